@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QJsonObject>
+
+#include "macsim/model/portcontroller.h"
+#include "macsim/model/simulatedmac.h"
+
+namespace macsim {
+
+// The machine at this moment, for "ctl state" and the final report. Speeds are in
+// RPM, temperatures in degrees Celsius, the load in percent:
+//
+//     machine, asleep, load, loadProfile, ambient, simulatedSeconds,
+//     temperatures { source: now }, highestTemperatures { source: since the start },
+//     fans [ { name, actual, min, max, target, forced, targetWrites,
+//              targetsOutsideLimits, lowestTarget, highestTarget } ],
+//     controlBits (bit i for fan i), protocolErrors { total, ... }, operations { read ... }
+[[nodiscard]] QJsonObject machineState(SimulatedMac& mac, const PortController& controller);
+
+} // namespace macsim

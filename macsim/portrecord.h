@@ -1,0 +1,24 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+// The records between the port face and the simulator. A request is four bytes:
+// the operation, the port (low byte first) and the value, 0 where there is none.
+// Each request is answered by one byte: the value read, or 1 for "done".
+// Connections whose first byte is not an operation carry control requests.
+namespace macsim::portrecord {
+
+constexpr std::uint8_t openQuery = 1;
+constexpr std::uint8_t out = 2;
+constexpr std::uint8_t in = 3;
+
+using Request = std::array<std::uint8_t, 4>;
+
+[[nodiscard]] inline Request request(std::uint8_t operation, std::uint16_t port, std::uint8_t value)
+{
+    return { operation, static_cast<std::uint8_t>(port & 0xFF),
+             static_cast<std::uint8_t>(port >> 8), value };
+}
+
+} // namespace macsim::portrecord

@@ -1,0 +1,103 @@
+#include "macsim/run/runfolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace macsim {
+
+namespace {
+
+constexpr int longestSocketPath = 107; // bytes
+
+struct Subfolder {
+    const char* name;
+    const char* variable;
+};
+
+constexpr Subfolder subfolders[] {
+    { "sysroot", "BRISORA_SYSROOT" },
+    { "config", "XDG_CONFIG_HOME" },
+    { "data", "XDG_DATA_HOME" },
+    { "cache", "XDG_CACHE_HOME" },
+    { "run", "XDG_RUNTIME_DIR" },
+    { "tmp", "TMPDIR" },
+    { "home", "HOME" },
+};
+
+bool makePrivate(const QString& folder)
+{
+    return QDir().mkpath(folder)
+        && QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+// HOME and XDG_RUNTIME_DIR change, and with them the places where the display's
+// secrets and sockets are looked up.
+void keepDisplay(QProcessEnvironment& environment)
+{
+    const QString authority = QStringLiteral("XAUTHORITY");
+    if (!environment.contains(authority)) {
+        const QString usual
+            = environment.value(QStringLiteral("HOME")) + QStringLiteral("/.Xauthority");
+        if (QFileInfo::exists(usual)) {
+            environment.insert(authority, usual);
+        }
+    }
+    const QString wayland = QStringLiteral("WAYLAND_DISPLAY");
+    const QString display = environment.value(wayland);
+    const QString runtime = environment.value(QStringLiteral("XDG_RUNTIME_DIR"));
+    if (!display.isEmpty() && QFileInfo(display).isRelative() && !runtime.isEmpty()) {
+        environment.insert(wayland, runtime + QLatin1Char('/') + display);
+    }
+}
+
+} // namespace
+
+std::optional<RunFolder> RunFolder::create(const QString& path, QString& error)
+{
+    RunFolder folder;
+    if (path.isEmpty()) {
+        folder.m_temporary
+            = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/macsim-XXXXXX"));
+        if (!folder.m_temporary->isValid()) {
+            error = folder.m_temporary->errorString();
+            return std::nullopt;
+        }
+        folder.m_path = folder.m_temporary->path();
+    } else {
+        folder.m_path = QFileInfo(path).absoluteFilePath();
+    }
+    if (QFile::encodeName(folder.socket()).size() > longestSocketPath) {
+        error = QStringLiteral("%1 is too long for a socket's path").arg(folder.socket());
+        return std::nullopt;
+    }
+    bool ok = QDir().mkpath(folder.m_path);
+    for (const Subfolder& subfolder : subfolders) {
+        ok = ok && makePrivate(folder.inside(QLatin1String(subfolder.name)));
+    }
+    if (!ok) {
+        error = QStringLiteral("%1 can't be written").arg(folder.m_path);
+        return std::nullopt;
+    }
+    return folder;
+}
+
+QString RunFolder::inside(const QString& name) const { return m_path + QLatin1Char('/') + name; }
+
+QProcessEnvironment RunFolder::environment(const QProcessEnvironment& own,
+                                           const QString& portFaceFolder) const
+{
+    QProcessEnvironment result = own;
+    keepDisplay(result);
+    for (const Subfolder& subfolder : subfolders) {
+        result.insert(QLatin1String(subfolder.variable), inside(QLatin1String(subfolder.name)));
+    }
+    const QString libraryPath = QStringLiteral("LD_LIBRARY_PATH");
+    const QString before = result.value(libraryPath);
+    result.insert(libraryPath,
+                  before.isEmpty() ? portFaceFolder : portFaceFolder + QLatin1Char(':') + before);
+    result.insert(QStringLiteral("MACSIM_SOCKET"), socket());
+    return result;
+}
+
+} // namespace macsim
