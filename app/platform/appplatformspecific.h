@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+class MachineIdentity;
+class QBrisoraApp;
+class QWidget;
+
+// The seam between the application and its operating system: whether the program
+// may run on this machine, its window, autostart and removal. Used on the GUI
+// thread, but for hasWriteAccess, which any thread may call.
+class AppPlatformSpecific {
+public:
+    // Both must outlive the platform.
+    AppPlatformSpecific(QBrisoraApp& app, MachineIdentity& identity);
+    AppPlatformSpecific(const AppPlatformSpecific&) = delete;
+    AppPlatformSpecific& operator=(const AppPlatformSpecific&) = delete;
+    virtual ~AppPlatformSpecific() = default;
+
+    // Whether the program may run here; if not, the user has been told why.
+    [[nodiscard]] virtual bool startCheck() = 0;
+    // Makes the main window, and shows it unless it is to start hidden.
+    virtual void createMainWindow() = 0;
+    // Removes everything that the program keeps on this account.
+    virtual bool uninstall() = 0;
+    // The log's path beside the executable.
+    [[nodiscard]] virtual QString logFilePath() const = 0;
+    // Called once the settings are ready.
+    virtual void afterSettings() { }
+    [[nodiscard]] virtual bool hasWriteAccess() const = 0;
+    virtual bool installWriteAccess(QString& error);
+    virtual void showWriteAccessError(const QString& error, QWidget* parent);
+
+protected:
+    [[nodiscard]] QBrisoraApp& app() const { return m_app; }
+    [[nodiscard]] MachineIdentity& identity() const { return m_identity; }
+
+private:
+    QBrisoraApp& m_app;
+    MachineIdentity& m_identity;
+};
