@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+#include "tests/e2e/processgroup.h"
+
+// A display of the test's own, on which boxes can be found and answered as a
+// person would. It is gone with this object.
+class VirtualDisplay {
+public:
+    // What has to be installed for it and isn't; empty when all is there.
+    [[nodiscard]] static QString missingProgram();
+
+    [[nodiscard]] bool start();
+    // As the variable DISPLAY has it.
+    [[nodiscard]] QString name() const { return m_name; }
+
+    // The number of a visible window of the program with this title, or an empty text. Without
+    // waiting.
+    [[nodiscard]] QString findWindow(const QString& title) const;
+    // Presses the default button of the box in front.
+    [[nodiscard]] bool acceptBox() const;
+
+private:
+    [[nodiscard]] bool runTool(const QStringList& arguments, QString& output) const;
+
+    ProcessGroup m_server;
+    QString m_name;
+};
