@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the distribution's packages that are missing, group by group.
 #
-#   tools/packages.sh GROUP...      groups: build, display, checks, fuzz, vm
+#   tools/packages.sh GROUP...      groups: build, display, checks, fuzz, vm,
+#                                           windows, windows-sdk
 #
 # Asks for root only when something is missing. Ends with 1, and says what is
 # missing, when it can't be installed.
@@ -14,6 +15,8 @@ declare -A groups=(
     [checks]="git clang-format-14 clang-tidy-14 clang-14"
     [fuzz]="clang-14 libclang-rt-14-dev"
     [vm]="qemu-system-x86"
+    [windows]="g++-mingw-w64-i686-posix mingw-w64-tools libz-mingw-w64-dev xz-utils"
+    [windows-sdk]="dpkg-dev make perl"
 )
 
 wanted=()
