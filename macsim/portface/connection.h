@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 #include "macsim/portrecord.h"
@@ -7,11 +8,12 @@
 namespace macsim {
 
 // The port face's connection to the simulator whose address the environment
-// names. It is made at the first exchange, and again at a later one when it was
-// lost. Not thread-safe: the caller serialises.
+// names: MACSIM_SOCKET, or MACSIM_TCP on Windows. It is made at the first
+// exchange, and again at a later one when it was lost. Not thread-safe: the
+// caller serialises.
 class Connection {
 public:
-    Connection() = default;
+    Connection();
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -24,8 +26,12 @@ private:
     [[nodiscard]] bool ensureConnected();
     void disconnect();
 
-    int m_descriptor = -1;
-    long m_owner = 0; // process that made the connection: a forked child makes its own
+    static constexpr std::intptr_t none = -1;
+
+    std::intptr_t m_socket = none; // as the system numbers it
+    // The process that made the connection: where there are forks, a child makes
+    // its own.
+    std::int64_t m_owner = 0;
 };
 
 } // namespace macsim

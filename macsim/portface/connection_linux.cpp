@@ -11,19 +11,27 @@
 
 namespace macsim {
 
+namespace {
+
+int descriptor(std::intptr_t socket) { return static_cast<int>(socket); }
+
+} // namespace
+
+Connection::Connection() = default;
+
 Connection::~Connection() { disconnect(); }
 
 void Connection::disconnect()
 {
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
-        m_descriptor = -1;
+    if (m_socket != none) {
+        ::close(descriptor(m_socket));
+        m_socket = none;
     }
 }
 
 bool Connection::ensureConnected()
 {
-    if (m_descriptor >= 0 && m_owner == ::getpid()) {
+    if (m_socket != none && m_owner == ::getpid()) {
         return true;
     }
     disconnect();
@@ -34,16 +42,16 @@ bool Connection::ensureConnected()
         return false;
     }
     std::strncpy(address.sun_path, path, sizeof(address.sun_path) - 1);
-    m_descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (m_descriptor < 0) {
+    m_socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (m_socket == none) {
         return false;
     }
     m_owner = ::getpid();
     const timeval patience { 2, 0 };
-    ::setsockopt(m_descriptor, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
-    ::setsockopt(m_descriptor, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
+    ::setsockopt(descriptor(m_socket), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
+    ::setsockopt(descriptor(m_socket), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
     const auto* target = static_cast<const sockaddr*>(static_cast<const void*>(&address));
-    if (::connect(m_descriptor, target, sizeof(address)) != 0) {
+    if (::connect(descriptor(m_socket), target, sizeof(address)) != 0) {
         disconnect();
         return false;
     }
@@ -57,13 +65,13 @@ std::optional<std::uint8_t> Connection::exchange(const portrecord::Request& requ
     }
     ssize_t sent = 0;
     do {
-        sent = ::send(m_descriptor, request.data(), request.size(), MSG_NOSIGNAL);
+        sent = ::send(descriptor(m_socket), request.data(), request.size(), MSG_NOSIGNAL);
     } while (sent < 0 && errno == EINTR);
     std::uint8_t answer = 0;
     ssize_t received = 0;
     if (sent == static_cast<ssize_t>(request.size())) {
         do {
-            received = ::recv(m_descriptor, &answer, 1, 0);
+            received = ::recv(descriptor(m_socket), &answer, 1, 0);
         } while (received < 0 && errno == EINTR);
     }
     if (received != 1) {

@@ -51,6 +51,13 @@ void keepDisplay(QProcessEnvironment& environment)
     }
 }
 
+void prepend(QProcessEnvironment& environment, const QString& variable, const QString& folder,
+             QLatin1Char separator)
+{
+    const QString before = environment.value(variable);
+    environment.insert(variable, before.isEmpty() ? folder : folder + separator + before);
+}
+
 } // namespace
 
 std::optional<RunFolder> RunFolder::create(const QString& path, QString& error)
@@ -92,12 +99,20 @@ QProcessEnvironment RunFolder::environment(const QProcessEnvironment& own,
     for (const Subfolder& subfolder : subfolders) {
         result.insert(QLatin1String(subfolder.variable), inside(QLatin1String(subfolder.name)));
     }
-    const QString libraryPath = QStringLiteral("LD_LIBRARY_PATH");
-    const QString before = result.value(libraryPath);
-    result.insert(libraryPath,
-                  before.isEmpty() ? portFaceFolder : portFaceFolder + QLatin1Char(':') + before);
+    prepend(result, QStringLiteral("LD_LIBRARY_PATH"), portFaceFolder, QLatin1Char(':'));
     result.insert(QStringLiteral("MACSIM_SOCKET"), socket());
+    result.remove(QStringLiteral("MACSIM_TCP")); // of a run around this one
     return result;
+}
+
+void RunFolder::addWine(QProcessEnvironment& environment, const QString& portFaceFolder,
+                        const QString& tcpAddress)
+{
+    // Wine shows the whole file system as this drive.
+    QString folder = QStringLiteral("Z:") + QFileInfo(portFaceFolder).absoluteFilePath();
+    folder.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    prepend(environment, QStringLiteral("WINEPATH"), folder, QLatin1Char(';'));
+    environment.insert(QStringLiteral("MACSIM_TCP"), tcpAddress);
 }
 
 } // namespace macsim

@@ -38,6 +38,11 @@ public:
     [[nodiscard]] QProcessEnvironment environment(const QProcessEnvironment& own,
                                                   const QString& portFaceFolder) const;
 
+    // Adds what a program under Wine needs: the simulator's address for MACSIM_TCP,
+    // and the folder of inpout32.dll first in Wine's search path.
+    static void addWine(QProcessEnvironment& environment, const QString& portFaceFolder,
+                        const QString& tcpAddress);
+
 private:
     QString m_path;
     std::unique_ptr<QTemporaryDir> m_temporary; // null for a folder that was given

@@ -21,6 +21,7 @@ constexpr OptionRow optionTable[] {
     { "trace", "FILE", "writes a line for each key operation and event" },
     { "report", "FILE", "writes the machine's last state as JSON" },
     { "folder", "DIR", "uses this folder for settings and the machine's files, and keeps it" },
+    { "wine", "DIR", "the command runs under Wine; its inpout32.dll is in this folder" },
     { "speed", "N", "simulated seconds per second, for heat and fans (1)" },
     { "seed", "N", "seed of the noise on fan speeds (1)" },
     { "linger", "S",
@@ -63,6 +64,7 @@ std::optional<RunOptions> RunOptions::parse(const QStringList& arguments, QStrin
     options.traceFile = text("trace");
     options.reportFile = text("report");
     options.folder = text("folder");
+    options.wineFolder = text("wine");
     options.status = parser.isSet(QStringLiteral("status"));
     options.quiet = parser.isSet(QStringLiteral("quiet"));
     bool numbersValid = true;

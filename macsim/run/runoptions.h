@@ -14,6 +14,7 @@ struct RunOptions {
     QString traceFile; // empty for none
     QString reportFile; // empty for none
     QString folder; // empty for a temporary one
+    QString wineFolder; // of inpout32.dll for a command under Wine; empty for others
     double speed = 1.0;
     quint32 seed = 1;
     int lingerSeconds = 0;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
@@ -72,6 +73,23 @@ bool RunSession::prepare()
         tell(error);
         return false;
     }
+    return m_options.wineFolder.isEmpty() || prepareForWine();
+}
+
+bool RunSession::prepareForWine()
+{
+    const QString library = m_options.wineFolder + QStringLiteral("/inpout32.dll");
+    if (!QFileInfo::exists(library)) {
+        tell(QStringLiteral("There is no %1").arg(library));
+        return false;
+    }
+    QString error;
+    const auto address = m_server.listenOnLoopback(error);
+    if (!address) {
+        tell(error);
+        return false;
+    }
+    m_tcpAddress = *address;
     return true;
 }
 
@@ -101,9 +119,13 @@ void RunSession::startCommand()
     if (!m_forwarded.isEmpty()) {
         return; // asked to end before there was a command
     }
-    m_command.setProcessEnvironment(
-        m_folder.environment(QProcessEnvironment::systemEnvironment(),
-                             QCoreApplication::applicationDirPath() + QStringLiteral("/portface")));
+    QProcessEnvironment environment = m_folder.environment(QProcessEnvironment::systemEnvironment(),
+                                                           QCoreApplication::applicationDirPath()
+                                                               + QStringLiteral("/portface"));
+    if (!m_tcpAddress.isEmpty()) {
+        RunFolder::addWine(environment, m_options.wineFolder, m_tcpAddress);
+    }
+    m_command.setProcessEnvironment(environment);
     m_command.start(m_options.command.first(), m_options.command.mid(1));
 }
 

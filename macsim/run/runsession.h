@@ -38,6 +38,7 @@ public:
 private:
     RunOptions m_options;
     RunFolder m_folder;
+    QString m_tcpAddress; // empty unless the command runs under Wine
     QFile m_traceFile;
     MonotonicClock m_clock;
     Trace m_trace;
@@ -53,6 +54,7 @@ private:
     int m_exitCode = 0;
 
     [[nodiscard]] bool prepare();
+    [[nodiscard]] bool prepareForWine();
     void traceLine(const QByteArray& line);
     void startCommand();
     void forwardSignal(int number, bool sentToGroup);

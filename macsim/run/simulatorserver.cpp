@@ -1,17 +1,33 @@
 #include "macsim/run/simulatorserver.h"
 
+#include <array>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLocalSocket>
+#include <QRandomGenerator>
+#include <QTcpSocket>
 
 #include "macsim/portrecord.h"
+#include "macsim/tcpaddress.h"
 
 namespace macsim {
 
 namespace {
 
-constexpr const char* isPortFace = "isPortFace"; // property of a connection
+constexpr const char* portFaceProperty = "isPortFace"; // of a connection
 constexpr qint64 longestRequest = 65536; // bytes
+
+QByteArray randomToken()
+{
+    std::array<quint32, TcpAddress::tokenLength / 8> numbers {};
+    QRandomGenerator::system()->fillRange(numbers.data(), numbers.size());
+    QByteArray token;
+    for (const quint32 number : numbers) {
+        token += QByteArray::number(number, 16).rightJustified(8, '0');
+    }
+    return token;
+}
 
 } // namespace
 
@@ -22,6 +38,8 @@ SimulatorServer::SimulatorServer(PortController& controller, ControlVerbs& verbs
 {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, &SimulatorServer::acceptConnections);
+    connect(&m_loopbackServer, &QTcpServer::newConnection, this,
+            &SimulatorServer::acceptLoopbackConnections);
 }
 
 bool SimulatorServer::listen(const QString& path, QString& error)
@@ -34,43 +52,95 @@ bool SimulatorServer::listen(const QString& path, QString& error)
     return true;
 }
 
+std::optional<QString> SimulatorServer::listenOnLoopback(QString& error)
+{
+    if (!m_loopbackServer.listen(QHostAddress::LocalHost)) {
+        error = QStringLiteral("No port on the loopback interface: %1")
+                    .arg(m_loopbackServer.errorString());
+        return std::nullopt;
+    }
+    m_token = randomToken();
+    return QString::fromStdString(
+        TcpAddress { m_loopbackServer.serverPort(), m_token.toStdString() }.text());
+}
+
 void SimulatorServer::acceptConnections()
 {
     while (QLocalSocket* socket = m_server.nextPendingConnection()) {
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readFrom(*socket); });
-        connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
-            socket->deleteLater();
-            if (socket->property(isPortFace).toBool()) {
-                --m_portFaces;
-                Q_EMIT portFaceLeft();
-            }
-        });
+        serve(*socket);
     }
+}
+
+void SimulatorServer::acceptLoopbackConnections()
+{
+    while (QTcpSocket* socket = m_loopbackServer.nextPendingConnection()) {
+        // Each byte of the controller's protocol waits for the answer to the last one.
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        serve(*socket);
+    }
+}
+
+template <typename Socket> void SimulatorServer::serve(Socket& socket)
+{
+    connect(&socket, &Socket::readyRead, this, [this, &socket] { readFrom(socket); });
+    connect(&socket, &Socket::disconnected, this, [this, &socket] {
+        socket.deleteLater();
+        if (isPortFace(socket)) {
+            --m_portFaces;
+            Q_EMIT portFaceLeft();
+        }
+    });
 }
 
 void SimulatorServer::readFrom(QLocalSocket& socket)
 {
     char first = 0;
-    if (!socket.property(isPortFace).toBool() && socket.peek(&first, 1) == 1
+    if (!isPortFace(socket) && socket.peek(&first, 1) == 1
         && static_cast<quint8>(first) <= portrecord::in) {
-        socket.setProperty(isPortFace, true);
-        ++m_portFaces;
+        notePortFace(socket);
     }
-    if (socket.property(isPortFace).toBool()) {
+    if (isPortFace(socket)) {
         servePorts(socket);
+        socket.flush();
     } else {
         serveControl(socket);
     }
 }
 
-void SimulatorServer::servePorts(QLocalSocket& socket)
+void SimulatorServer::readFrom(QTcpSocket& socket)
+{
+    if (!isPortFace(socket)) {
+        if (socket.bytesAvailable() < m_token.size()) {
+            return;
+        }
+        if (socket.read(m_token.size()) != m_token) {
+            socket.abort();
+            return;
+        }
+        notePortFace(socket);
+    }
+    servePorts(socket);
+    socket.flush();
+}
+
+bool SimulatorServer::isPortFace(const QIODevice& socket)
+{
+    return socket.property(portFaceProperty).toBool();
+}
+
+void SimulatorServer::notePortFace(QIODevice& socket)
+{
+    socket.setProperty(portFaceProperty, true);
+    ++m_portFaces;
+}
+
+void SimulatorServer::servePorts(QIODevice& socket)
 {
     constexpr auto size = static_cast<qint64>(portrecord::Request {}.size());
     while (socket.bytesAvailable() >= size) {
         const QByteArray record = socket.read(size);
         socket.putChar(static_cast<char>(answer(record)));
     }
-    socket.flush();
 }
 
 quint8 SimulatorServer::answer(const QByteArray& record)

@@ -11,11 +11,12 @@
 #include <QProcess>
 #include <QRegularExpression>
 
+#include "macsim/tcpaddress.h"
 #include "tests/support/testenvironment.h"
 
 namespace {
 
-const QString macsim = QStringLiteral(MACSIM_PROGRAM);
+const QString simulator = QStringLiteral(MACSIM_PROGRAM);
 const QString caller = QStringLiteral(PORT_CALLER);
 constexpr int patience = 20000; // milliseconds
 
@@ -28,7 +29,7 @@ struct Result {
 Result execute(const QStringList& arguments)
 {
     QProcess process;
-    process.start(macsim, arguments);
+    process.start(simulator, arguments);
     if (!process.waitForFinished(patience)) {
         process.kill();
         process.waitForFinished();
@@ -58,6 +59,26 @@ QStringList contents(const QString& path)
     return file.open(QIODevice::ReadOnly)
         ? QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)
         : QStringList();
+}
+
+// The addresses and ports ("0100007F:9C40") at which a process listens for TCP, of
+// what printListeners prints about it.
+const QString printListeners
+    = QStringLiteral("readlink /proc/$PPID/fd/*; cat /proc/net/tcp /proc/net/tcp6; ");
+
+QStringList listeners(const QString& output)
+{
+    static const QRegularExpression entry(
+        QStringLiteral("^ *\\d+: (\\S+) \\S+ 0A (?:\\S+ +){5}(\\d+) "),
+        QRegularExpression::MultilineOption);
+    QStringList result;
+    for (auto match = entry.globalMatch(output); match.hasNext();) {
+        const QRegularExpressionMatch socket = match.next();
+        if (output.contains(QStringLiteral("socket:[%1]").arg(socket.captured(2)))) {
+            result.append(socket.captured(1));
+        }
+    }
+    return result;
 }
 
 QStringList leftovers()
@@ -168,6 +189,46 @@ private Q_SLOTS:
         QCOMPARE(lines.at(9), QStringLiteral("700"));
     }
 
+    void noPortIsOpenedUnasked()
+    {
+        const Result result
+            = runShell(printListeners + QStringLiteral("echo tcp ${MACSIM_TCP-unset}"));
+        QCOMPARE(result.code, 0);
+        QCOMPARE(listeners(result.output), QStringList());
+        QVERIFY(result.output.endsWith(QStringLiteral("tcp unset\n")));
+    }
+
+    void aCommandUnderWineFindsAPortAndTheLibrary()
+    {
+        const QTemporaryDir folder;
+        QFile library(folder.filePath(QStringLiteral("inpout32.dll")));
+        QVERIFY(library.open(QIODevice::WriteOnly));
+
+        const Result result = runShell(
+            printListeners + QStringLiteral("echo; echo \"$MACSIM_TCP\"; printf %s \"$WINEPATH\""),
+            { QStringLiteral("--wine"), folder.path() });
+
+        QCOMPARE(result.code, 0);
+        const QStringList lines = result.output.split(QLatin1Char('\n'));
+        const auto address = macsim::TcpAddress::parse(lines.at(lines.size() - 2).toStdString());
+        QVERIFY2(address, qPrintable(lines.at(lines.size() - 2)));
+        QCOMPARE(listeners(result.output),
+                 QStringList(
+                     QStringLiteral("0100007F:%1")
+                         .arg(QString::number(address->port, 16).toUpper(), 4, QLatin1Char('0'))));
+        QCOMPARE(lines.last(),
+                 QStringLiteral("Z:") + folder.path().replace(QLatin1Char('/'), QLatin1Char('\\')));
+    }
+
+    void aCommandUnderWineNeedsTheLibrary()
+    {
+        const QTemporaryDir folder;
+        const Result result
+            = runShell(QStringLiteral("true"), { QStringLiteral("--wine"), folder.path() });
+        QCOMPARE(result.code, 125);
+        QVERIFY(result.errors.contains(folder.filePath(QStringLiteral("inpout32.dll"))));
+    }
+
     void aGivenFolderIsKept()
     {
         const QTemporaryDir given(QDir::tempPath() + QStringLiteral("/given-XXXXXX"));
@@ -188,7 +249,7 @@ private Q_SLOTS:
     void theCommandHasTheStandardStreams()
     {
         QProcess process;
-        process.start(macsim,
+        process.start(simulator,
                       { QStringLiteral("run"), QStringLiteral("--machine"),
                         QStringLiteral("MacBookPro11,3"), QStringLiteral("--"),
                         QStringLiteral("cat") });
@@ -254,7 +315,7 @@ private Q_SLOTS:
                            "! $M ctl get ZZZZ 2>/dev/null && $M ctl power battery && "
                            "cat $BRISORA_SYSROOT/sys/class/power_supply/ADP1/online && "
                            "$M ctl --socket $MACSIM_SOCKET mark done")
-                .arg(macsim));
+                .arg(simulator));
         QCOMPARE(result.code, 0);
         QVERIFY(result.output.startsWith(QStringLiteral("2710\n{")));
         QVERIFY(result.output.endsWith(QStringLiteral("}\n0\n")));
@@ -317,7 +378,7 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const QString trace = folder.filePath(QStringLiteral("trace"));
         QProcess process;
-        process.start(macsim,
+        process.start(simulator,
                       { QStringLiteral("run"), QStringLiteral("--machine"),
                         QStringLiteral("MacBookPro11,3"), QStringLiteral("--trace"), trace,
                         QStringLiteral("--"), QStringLiteral("sh"), QStringLiteral("-c"),
@@ -339,7 +400,7 @@ private Q_SLOTS:
         QProcess process;
         QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/given-XXXXXX"));
         const QString log = folder.filePath(QStringLiteral("log"));
-        process.start(macsim,
+        process.start(simulator,
                       { QStringLiteral("run"), QStringLiteral("--machine"),
                         QStringLiteral("MacBookPro11,3"), QStringLiteral("--folder"), folder.path(),
                         QStringLiteral("--"), QStringLiteral("sh"), QStringLiteral("-c"),
