@@ -72,12 +72,13 @@ void LanguageStrings::load(const QString& name)
 
 bool LanguageStrings::overlay(const QString& fileName, QHash<QString, QString>& strings) const
 {
-    const QFileInfo info(QDir(m_folder), fileName);
-    // A name, not a path: what lies outside of the folder is no translation.
-    if (info.fileName() != fileName || !info.isFile()) {
+    const QDir folder(m_folder);
+    // A name to the letter: not a path, which may lead out of the folder, and not
+    // in other case, which only some systems take for the same file.
+    if (!folder.entryList(QDir::Files | QDir::Hidden).contains(fileName)) {
         return false;
     }
-    QFile file(info.filePath());
+    QFile file(folder.filePath(fileName));
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
