@@ -2,8 +2,37 @@
 
 #include <utility>
 
+#include <QFile>
+
 #include "core/log/log.h"
 #include "core/settings/settings_storage.h"
+
+namespace {
+
+// Removes the emptied file or registry key, and opens a storage of the same place.
+std::unique_ptr<QSettings> replaceStorage(std::unique_ptr<QSettings> storage)
+{
+    const QString path = storage->fileName();
+    const QSettings::Format format = storage->format();
+    const QSettings::Scope scope = storage->scope();
+    const QString organization = storage->organizationName();
+    const QString application = storage->applicationName();
+
+    // A registry key that is deleted while it is open takes no more values.
+    storage.reset();
+    if (format == QSettings::NativeFormat) {
+        core::removeNativeSettings(path);
+    } else {
+        QFile::remove(path);
+    }
+
+    // A storage that was given by its path has no organization.
+    return organization.isEmpty()
+        ? std::make_unique<QSettings>(path, format)
+        : std::make_unique<QSettings>(format, scope, organization, application);
+}
+
+} // namespace
 
 QSettingsCache::QSettingsCache(const QString& organization, const QString& application)
     : QSettingsCache(std::make_unique<QSettings>(organization, application))
@@ -81,7 +110,7 @@ void QSettingsCache::removeStorage()
     m_storage->clear();
     m_storage->sync();
     m_cache.clear();
-    core::removeSettingsStorage(*m_storage);
+    m_storage = replaceStorage(std::move(m_storage));
 }
 
 void QSettingsCache::reportFailure()

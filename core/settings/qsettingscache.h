@@ -46,7 +46,8 @@ public:
 
     void remove(const QString& key);
     // Everything goes, and so does the file or registry key that held it. What is
-    // written afterwards starts a new storage.
+    // written afterwards starts a new storage; in the registry reading does, too,
+    // with an empty key.
     void removeStorage();
 
     // Logs that the storage can't be written, if that was so before there was a
@@ -59,6 +60,6 @@ private:
 
     std::mutex m_mutex;
     QMap<QString, QVariant> m_cache;
-    const std::unique_ptr<QSettings> m_storage;
+    std::unique_ptr<QSettings> m_storage; // never null
     bool m_failureReported = false;
 };

@@ -1,10 +1,9 @@
 #include "core/settings/settings_storage.h"
 
 #include <QFile>
-#include <QSettings>
 
 namespace core {
 
-void removeSettingsStorage(const QSettings& settings) { QFile::remove(settings.fileName()); }
+void removeNativeSettings(const QString& path) { QFile::remove(path); }
 
 } // namespace core
