@@ -6,6 +6,7 @@
 
 #include "app/fancontrol/fancontrol.h"
 #include "app/platform/appplatformspecific.h"
+#include "app/platform/platformhost.h"
 #include "app/platform/systemplatform.h"
 #include "app/selectionboxes.h"
 #include "app/settingsdefaults.h"
@@ -51,7 +52,7 @@ QBrisoraApp::QBrisoraApp(int& argc, char** argv)
 
     setSettings(std::make_unique<QSettingsCache>(QLatin1String(BuildConfig::organizationName),
                                                  QLatin1String(BuildConfig::productName)));
-    m_platform = makeSystemPlatform(*this, *m_identity);
+    m_platform = makeSystemPlatform(makePlatformHost());
     m_smcService = makeService();
     m_fanControl = makeEngine();
 
@@ -149,17 +150,6 @@ QString QBrisoraApp::readLog() const
     return QString::fromUtf8(core::log::readLogFile(logFilePath()));
 }
 
-void QBrisoraApp::createMainWindow()
-{
-    m_mainWindow = std::make_unique<QFanControlMainWindow>(
-        *m_fanControl, *settings(),
-        QFanControlMainWindow::Texts { productTitle(), m_systemInfo.machineName() },
-        [this] { return readLog(); });
-    if (!m_startMinimized && !core::flags::isSet(core::flags::firstStart)) {
-        m_mainWindow->show();
-    }
-}
-
 void QBrisoraApp::slotAnotherInstanceStarted()
 {
     if (m_mainWindow) {
@@ -222,6 +212,29 @@ void QBrisoraApp::setModelOptions() const
         break;
     default:
         break;
+    }
+}
+
+PlatformHost QBrisoraApp::makePlatformHost()
+{
+    return { .identity = *m_identity,
+             .systemInfo = m_systemInfo,
+             .settings = *settings(),
+             .arguments = arguments(),
+             .executablePath = QDir::toNativeSeparators(applicationFilePath()),
+             .productTitle = productTitle(),
+             .isStartMinimized = [this] { return m_startMinimized; },
+             .createMainWindow = [this] { createMainWindow(); } };
+}
+
+void QBrisoraApp::createMainWindow()
+{
+    m_mainWindow = std::make_unique<QFanControlMainWindow>(
+        *m_fanControl, *settings(),
+        QFanControlMainWindow::Texts { productTitle(), m_systemInfo.machineName() },
+        [this] { return readLog(); });
+    if (!m_startMinimized && !core::flags::isSet(core::flags::firstStart)) {
+        m_mainWindow->show();
     }
 }
 

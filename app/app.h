@@ -9,6 +9,7 @@
 
 class AppPlatformSpecific;
 class MachineIdentity;
+struct PlatformHost;
 class QFanControl;
 class QFanControlMainWindow;
 class TerminationSignals;
@@ -50,7 +51,6 @@ public:
     [[nodiscard]] AppPlatformSpecific* platform() const { return m_platform.get(); }
     // Null until the platform has created it.
     [[nodiscard]] QFanControlMainWindow* mainWindow() const { return m_mainWindow.get(); }
-    [[nodiscard]] bool isStartMinimized() const { return m_startMinimized; }
 
     // Product name and version, as titles show them.
     [[nodiscard]] QString productTitle() const;
@@ -59,10 +59,6 @@ public:
     [[nodiscard]] QString logFilePath() const;
     // The whole log of this run.
     [[nodiscard]] QString readLog() const;
-
-    // For the platform: makes the window, and shows it unless the program starts
-    // minimised or for the first time.
-    void createMainWindow();
 
 private Q_SLOTS:
     void slotAnotherInstanceStarted();
@@ -73,6 +69,10 @@ private:
     void readCommandLine();
     void printSysInfo() const;
     void setModelOptions() const;
+    [[nodiscard]] PlatformHost makePlatformHost();
+    // Makes the window, and shows it unless the program starts minimised or for the
+    // first time.
+    void createMainWindow();
     [[nodiscard]] std::unique_ptr<SMC::Service> makeService();
     [[nodiscard]] std::unique_ptr<QFanControl> makeEngine();
     void terminate();

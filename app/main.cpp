@@ -2,10 +2,12 @@
 
 #include "app/app.h"
 #include "app/commandlinehelp.h"
+#include "app/librarysearch.h"
 #include "resources/resources.h"
 
 int main(int argc, char* argv[])
 {
+    leaveOutCurrentFolder();
     if (handleHelpSwitches(argc, argv)) {
         return 0;
     }

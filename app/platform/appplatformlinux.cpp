@@ -1,47 +1,39 @@
 #include "app/platform/appplatformlinux.h"
 
-#include "app/app.h"
 #include "app/platform/startchecks.h"
+#include "app/sysinfo/sysinfo.h"
 #include "core/application_flags.h"
 #include "core/settings/qsettingscache.h"
 #include "core/widgets/qmessageboxlocalized.h"
 
 bool AppPlatformLinux::startCheck()
 {
-    const QStringList arguments = QBrisoraApp::arguments();
-    const SystemInfo& systemInfo = app().systemInfo();
-
-    if (StartChecks::isVirtualMachine(identity(), systemInfo)) {
-        StartChecks::warnOfVirtualMachine(*app().settings());
-        return false;
-    }
-    if (systemInfo.machineName().isEmpty() && !arguments.contains(QLatin1String("/skipcheck"))) {
-        QMessageBoxLocalized::warning(
-            nullptr, app().productTitle(),
-            QStringLiteral("Unsupported hardware detected. The program is able to run on "
-                           "Apple hardware only."));
+    const auto showWarning = [](const QString& title, const QString& text) {
+        QMessageBoxLocalized::warning(nullptr, title, text);
+    };
+    if (!StartChecks::isMachineAccepted(host(), showWarning)) {
         return false;
     }
 
-    StartChecks::applyCommandLineOptions(arguments, app().isStartMinimized());
-    if (systemInfo.needsMmioDriver()) {
-        StartChecks::applyDriverOptions(systemInfo);
+    StartChecks::applyCommandLineOptions(host().arguments, host().isStartMinimized());
+    if (host().systemInfo.needsMmioDriver()) {
+        StartChecks::applyDriverOptions(host().systemInfo);
     }
     // Installing the driver is the packages' work here.
-    return !arguments.contains(QLatin1String("/init"));
+    return !host().arguments.contains(QLatin1String("/init"));
 }
 
-void AppPlatformLinux::createMainWindow() { app().createMainWindow(); }
+void AppPlatformLinux::createMainWindow() { host().createMainWindow(); }
 
 bool AppPlatformLinux::uninstall()
 {
-    app().settings()->removeStorage();
+    host().settings.removeStorage();
     return true;
 }
 
 QString AppPlatformLinux::logFilePath() const
 {
-    return QBrisoraApp::applicationFilePath() + QLatin1String(".log");
+    return host().executablePath + QLatin1String(".log");
 }
 
 bool AppPlatformLinux::hasWriteAccess() const

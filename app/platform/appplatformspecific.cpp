@@ -1,8 +1,9 @@
 #include "app/platform/appplatformspecific.h"
 
-AppPlatformSpecific::AppPlatformSpecific(QBrisoraApp& app, MachineIdentity& identity)
-    : m_app(app)
-    , m_identity(identity)
+#include <utility>
+
+AppPlatformSpecific::AppPlatformSpecific(PlatformHost host)
+    : m_host(std::move(host))
 {
 }
 

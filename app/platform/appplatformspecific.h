@@ -2,8 +2,8 @@
 
 #include <QString>
 
-class MachineIdentity;
-class QBrisoraApp;
+#include "app/platform/platformhost.h"
+
 class QWidget;
 
 // The seam between the application and its operating system: whether the program
@@ -11,8 +11,7 @@ class QWidget;
 // thread, but for hasWriteAccess, which any thread may call.
 class AppPlatformSpecific {
 public:
-    // Both must outlive the platform.
-    AppPlatformSpecific(QBrisoraApp& app, MachineIdentity& identity);
+    explicit AppPlatformSpecific(PlatformHost host);
     AppPlatformSpecific(const AppPlatformSpecific&) = delete;
     AppPlatformSpecific& operator=(const AppPlatformSpecific&) = delete;
     virtual ~AppPlatformSpecific() = default;
@@ -32,10 +31,8 @@ public:
     virtual void showWriteAccessError(const QString& error, QWidget* parent);
 
 protected:
-    [[nodiscard]] QBrisoraApp& app() const { return m_app; }
-    [[nodiscard]] MachineIdentity& identity() const { return m_identity; }
+    [[nodiscard]] const PlatformHost& host() const { return m_host; }
 
 private:
-    QBrisoraApp& m_app;
-    MachineIdentity& m_identity;
+    const PlatformHost m_host;
 };

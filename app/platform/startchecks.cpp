@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 
+#include "app/platform/platformhost.h"
 #include "app/settingskeys.h"
 #include "app/smc/options.h"
 #include "app/sysinfo/machine_identity.h"
@@ -11,6 +12,22 @@
 #include "core/widgets/windowicon.h"
 
 namespace StartChecks {
+
+bool isMachineAccepted(const PlatformHost& host, const ShowWarning& showWarning)
+{
+    if (isVirtualMachine(host.identity, host.systemInfo)) {
+        warnOfVirtualMachine(host.settings);
+        return false;
+    }
+    if (host.systemInfo.machineName().isEmpty()
+        && !host.arguments.contains(QLatin1String("/skipcheck"))) {
+        showWarning(host.productTitle,
+                    QStringLiteral("Unsupported hardware detected. The program is able to run on "
+                                   "Apple hardware only."));
+        return false;
+    }
+    return true;
+}
 
 bool isVirtualMachine(MachineIdentity& identity, const SystemInfo& systemInfo)
 {

@@ -1,14 +1,24 @@
 #pragma once
 
+#include <functional>
+
 #include <QString>
 #include <QStringList>
 
 class MachineIdentity;
 class QSettingsCache;
 class SystemInfo;
+struct PlatformHost;
 
 // The steps of the start check that all systems share.
 namespace StartChecks {
+
+// Shows a modal box with a warning.
+using ShowWarning = std::function<void(const QString& title, const QString& text)>;
+
+// Whether the program runs on this kind of machine; if not, the user has been
+// told why. Foreign hardware is told by the given function.
+[[nodiscard]] bool isMachineAccepted(const PlatformHost& host, const ShowWarning& showWarning);
 
 // The manufacturer as the system tells it, or the model, gives a virtual machine
 // away.

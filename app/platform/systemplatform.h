@@ -3,9 +3,7 @@
 #include <memory>
 
 class AppPlatformSpecific;
-class MachineIdentity;
-class QBrisoraApp;
+struct PlatformHost;
 
 // The platform of the system that this program was built for.
-[[nodiscard]] std::unique_ptr<AppPlatformSpecific> makeSystemPlatform(QBrisoraApp& app,
-                                                                      MachineIdentity& identity);
+[[nodiscard]] std::unique_ptr<AppPlatformSpecific> makeSystemPlatform(PlatformHost host);

@@ -58,6 +58,7 @@ protected:
 private:
     const std::uint32_t m_id;
     std::atomic<double> m_value { 0.0 };
+    static_assert(std::atomic<double>::is_always_lock_free, "read by several threads at each pass");
     const QString m_displayName;
     const QString m_key;
     const QString m_group;

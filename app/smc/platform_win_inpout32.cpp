@@ -25,6 +25,22 @@ bool isReadDone(PortResult result)
     return false;
 }
 
+// The bytes of one key, from the command to the last one.
+class Exchange {
+public:
+    explicit Exchange(PortDriver& driver)
+        : m_driver(driver)
+    {
+        m_driver.beginExchange();
+    }
+    Exchange(const Exchange&) = delete;
+    Exchange& operator=(const Exchange&) = delete;
+    ~Exchange() { m_driver.endExchange(); }
+
+private:
+    PortDriver& m_driver;
+};
+
 } // namespace
 
 PlatformWinProviderInpOut32::Ports::Ports(PortDriver& driver)
@@ -97,6 +113,7 @@ void PlatformWinProviderInpOut32::close()
 
 bool PlatformWinProviderInpOut32::getKeyByIndex(std::uint32_t index, std::string& key)
 {
+    const Exchange exchange(*m_driver);
     FourBytes name = {};
     if (!isReadDone(m_protocol.readName(index, name))) {
         LOG_ERR("getKeyByIndex: read_smc failed");
@@ -108,6 +125,7 @@ bool PlatformWinProviderInpOut32::getKeyByIndex(std::uint32_t index, std::string
 
 bool PlatformWinProviderInpOut32::getKeyInfo(const char* key, KeyInfo& info)
 {
+    const Exchange exchange(*m_driver);
     std::array<std::uint8_t, PortProtocol::infoLength> reply = {};
     if (!isReadDone(m_protocol.readInfo(key, reply.data()))) {
         LOG_ERR("getKeyInfo: read_smc failed");
@@ -125,11 +143,13 @@ bool PlatformWinProviderInpOut32::getKeyInfo(const char* key, KeyInfo& info)
 
 bool PlatformWinProviderInpOut32::readKey(const char* key, void* buffer, std::uint8_t length)
 {
+    const Exchange exchange(*m_driver);
     return isReadDone(m_protocol.readKey(key, static_cast<std::uint8_t*>(buffer), length));
 }
 
 bool PlatformWinProviderInpOut32::writeKey(const char* key, const void* data, std::uint8_t length)
 {
+    const Exchange exchange(*m_driver);
     const auto sent = static_cast<std::uint8_t>(std::min<std::size_t>(length, valueRoom));
     const PortResult result
         = m_protocol.writeKey(key, static_cast<const std::uint8_t*>(data), sent);

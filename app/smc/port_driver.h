@@ -21,6 +21,10 @@ public:
     // Not zero when the driver is ready.
     [[nodiscard]] virtual std::uint32_t isInpOutDriverOpen() = 0;
     virtual void unload() = 0;
+    // Round the bytes of one key: the sleeps between them should be as exact as the
+    // system can make them.
+    virtual void beginExchange() { }
+    virtual void endExchange() { }
     // The system's error number of the last load() or resolve() that failed.
     [[nodiscard]] virtual std::uint32_t lastError() = 0;
     // Why load() failed or the driver isn't ready, for a person; empty when the

@@ -2,15 +2,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QLocalServer>
 #include <QLocalSocket>
 #include <QProcess>
 #include <QtTest>
@@ -21,27 +12,11 @@
 
 namespace {
 
-const QString instanceKey = QStringLiteral("BRISORA");
-
-// What a killed process leaves behind: the name of a socket that nobody serves.
-void leaveStaleSocket(const QString& path)
-{
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un address {};
-    address.sun_family = AF_UNIX;
-    const QByteArray name = QFile::encodeName(path);
-    std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()) + 1);
-    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        qFatal("The stale socket can't be made");
-    }
-    ::close(descriptor);
-}
-
-// With this argument the program is an instance: it tells whether another one
-// answers and lives until its standard input ends.
+// With this argument and a key the program is an instance of that key: it tells
+// whether another one answers and lives until its standard input ends.
 constexpr const char* instanceArgument = "--instance";
-const QByteArray alone("alone\n");
-const QByteArray another("another\n");
+const QByteArray alone("alone");
+const QByteArray another("another");
 
 constexpr int patience = 20000; // milliseconds
 
@@ -49,26 +24,29 @@ int runInstance(int argc, char* argv[])
 {
     // Whoever starts several lets them go at once.
     static_cast<void>(std::getchar());
-    const QApplicationExSingle application(argc, argv, QStringLiteral("Brisora"), instanceKey);
-    std::fputs(application.isAnotherInstanceRunning() ? another.constData() : alone.constData(),
-               stdout);
+    const QApplicationExSingle application(argc, argv, QStringLiteral("Brisora"),
+                                           QString::fromLatin1(argv[2]));
+    std::puts(application.isAnotherInstanceRunning() ? another.constData() : alone.constData());
     std::fflush(stdout);
     while (std::getchar() != EOF) { }
     return 0;
 }
 
-// A second process of this program, as an instance of the user whose run-time
-// folder is given.
+// A key that no other process uses, as others may run at the same time.
+QString ownKey(const QString& purpose)
+{
+    return QStringLiteral("BRISORA-%1-%2")
+        .arg(QString::number(QCoreApplication::applicationPid()), purpose);
+}
+
+// A second process of this program.
 class Instance {
 public:
-    explicit Instance(const QString& runtimeFolder)
+    explicit Instance(const QString& key)
     {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeFolder);
-        m_process.setProcessEnvironment(environment);
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(QCoreApplication::applicationFilePath(),
-                        { QString::fromLatin1(instanceArgument) });
+                        { QString::fromLatin1(instanceArgument), key });
     }
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
@@ -77,7 +55,7 @@ public:
     [[nodiscard]] bool waitForStarted() { return m_process.waitForStarted(); }
     void look() { m_process.write("\n"); }
     [[nodiscard]] bool hasAnswer() const { return m_process.canReadLine(); }
-    [[nodiscard]] QByteArray answer() { return m_process.readLine(); }
+    [[nodiscard]] QByteArray answer() { return m_process.readLine().trimmed(); }
 
     [[nodiscard]] bool end()
     {
@@ -89,98 +67,32 @@ private:
     QProcess m_process;
 };
 
-// Tells one file from another that has taken its name.
-ino_t fileNumber(const QString& path)
-{
-    struct stat status { };
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_ino : 0;
-}
-
 } // namespace
 
 class SingleInstanceTest : public QObject {
     Q_OBJECT
 
+public:
+    explicit SingleInstanceTest(const QString& key)
+        : m_key(key)
+    {
+    }
+
 private Q_SLOTS:
-    void theServerLiesInTheUsersOwnFolder();
-    void aFolderThatIsNotTheUsersOwnIsNotUsed_data();
-    void aFolderThatIsNotTheUsersOwnIsNotUsed();
-    void aStaleSocketIsReplaced();
     void everyConnectionRaisesTheSignalOnce();
     void connectionsAreNotKept();
-    void aLivingInstanceKeepsItsName();
+    void aLivingInstanceIsMetByEveryOther();
     void anInstanceThatHasEndedLeavesItsPlace();
     void ofInstancesThatStartAtOnceOneIsAlone();
 
 private:
+    const QString m_key;
+
     static QApplicationExSingle* application()
     {
         return qobject_cast<QApplicationExSingle*>(QCoreApplication::instance());
     }
 };
-
-void SingleInstanceTest::theServerLiesInTheUsersOwnFolder()
-{
-    QCOMPARE(core::instanceServerName(instanceKey),
-             qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/BRISORA"));
-    QCOMPARE(core::instanceLockPath(instanceKey),
-             qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/BRISORA.lock"));
-}
-
-void SingleInstanceTest::aFolderThatIsNotTheUsersOwnIsNotUsed_data()
-{
-    QTest::addColumn<QString>("kind");
-    for (const char* kind : { "none", "missing", "a file", "relative", "another user's", "long" }) {
-        QTest::newRow(kind) << QString::fromLatin1(kind);
-    }
-}
-
-void SingleInstanceTest::aFolderThatIsNotTheUsersOwnIsNotUsed()
-{
-    QFETCH(QString, kind);
-    const QTemporaryDir own;
-    const QByteArray formerVariable = qgetenv("XDG_RUNTIME_DIR");
-    const QString formerFolder = QDir::currentPath();
-    const auto putBack = qScopeGuard([&] {
-        qputenv("XDG_RUNTIME_DIR", formerVariable);
-        QDir::setCurrent(formerFolder);
-    });
-    QString folder = own.filePath(QStringLiteral("run"));
-    if (kind == QLatin1String("a file")) {
-        QFile file(folder);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-    } else if (kind == QLatin1String("relative")) {
-        QVERIFY(QDir::setCurrent(own.path()));
-        QVERIFY(QDir().mkdir(QStringLiteral("run")));
-        folder = QStringLiteral("run");
-    } else if (kind == QLatin1String("another user's")) {
-        constexpr uid_t nobody = 65534;
-        QVERIFY(QDir().mkdir(folder));
-        if (::chown(QFile::encodeName(folder).constData(), nobody, nobody) != 0) {
-            folder = QStringLiteral("/tmp"); // the system's, and anybody may write there
-        }
-    } else if (kind == QLatin1String("long")) {
-        folder = own.filePath(QString(100, QLatin1Char('x')));
-        QVERIFY(QDir().mkdir(folder));
-    }
-
-    if (kind == QLatin1String("none")) {
-        qunsetenv("XDG_RUNTIME_DIR");
-    } else {
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
-    }
-
-    QCOMPARE(core::instanceServerName(instanceKey), instanceKey);
-}
-
-void SingleInstanceTest::aStaleSocketIsReplaced()
-{
-    // main() has left one before it made the application object.
-    QVERIFY(!application()->isAnotherInstanceRunning());
-    QLocalSocket socket;
-    socket.connectToServer(core::instanceServerName(instanceKey));
-    QVERIFY(socket.waitForConnected(1000));
-}
 
 void SingleInstanceTest::everyConnectionRaisesTheSignalOnce()
 {
@@ -188,9 +100,9 @@ void SingleInstanceTest::everyConnectionRaisesTheSignalOnce()
     QSignalSpy started(application(), &QApplicationExSingle::anotherInstanceStarted);
 
     QLocalSocket first;
-    first.connectToServer(core::instanceServerName(instanceKey));
+    first.connectToServer(core::instanceServerName(m_key));
     QLocalSocket second;
-    second.connectToServer(core::instanceServerName(instanceKey));
+    second.connectToServer(core::instanceServerName(m_key));
 
     QTRY_COMPARE(started.count(), 2);
 }
@@ -198,33 +110,29 @@ void SingleInstanceTest::everyConnectionRaisesTheSignalOnce()
 void SingleInstanceTest::connectionsAreNotKept()
 {
     QLocalSocket socket;
-    socket.connectToServer(core::instanceServerName(instanceKey));
+    socket.connectToServer(core::instanceServerName(m_key));
     QTRY_COMPARE(socket.state(), QLocalSocket::UnconnectedState);
     QTRY_VERIFY(application()->findChildren<QLocalSocket*>().size() <= 1);
 }
 
-void SingleInstanceTest::aLivingInstanceKeepsItsName()
+void SingleInstanceTest::aLivingInstanceIsMetByEveryOther()
 {
-    const QString serverName = core::instanceServerName(instanceKey);
-    const ino_t before = fileNumber(serverName);
-    QVERIFY(before != 0);
     for (int round = 1; round <= 2; ++round) {
         QSignalSpy started(application(), &QApplicationExSingle::anotherInstanceStarted);
-        Instance second(qEnvironmentVariable("XDG_RUNTIME_DIR"));
+        Instance second(m_key);
         second.look();
         QTRY_VERIFY_WITH_TIMEOUT(second.hasAnswer(), patience);
         QCOMPARE(second.answer(), another);
         QTRY_COMPARE(started.count(), 1);
         QVERIFY(second.end());
-        QCOMPARE(fileNumber(serverName), before);
     }
 }
 
 void SingleInstanceTest::anInstanceThatHasEndedLeavesItsPlace()
 {
-    const QTemporaryDir folder;
+    const QString key = ownKey(QStringLiteral("ended"));
     for (int round = 1; round <= 2; ++round) {
-        Instance instance(folder.path());
+        Instance instance(key);
         instance.look();
         QTRY_VERIFY_WITH_TIMEOUT(instance.hasAnswer(), patience);
         QCOMPARE(instance.answer(), alone);
@@ -235,8 +143,8 @@ void SingleInstanceTest::anInstanceThatHasEndedLeavesItsPlace()
 void SingleInstanceTest::ofInstancesThatStartAtOnceOneIsAlone()
 {
     for (int round = 1; round <= 8; ++round) {
-        const QTemporaryDir folder;
-        std::array<Instance, 2> pair { Instance(folder.path()), Instance(folder.path()) };
+        const QString key = ownKey(QString::number(round));
+        std::array<Instance, 2> pair { Instance(key), Instance(key) };
         for (Instance& instance : pair) {
             QVERIFY(instance.waitForStarted());
         }
@@ -256,13 +164,13 @@ void SingleInstanceTest::ofInstancesThatStartAtOnceOneIsAlone()
 
 int main(int argc, char* argv[])
 {
-    if (argc > 1 && std::strcmp(argv[1], instanceArgument) == 0) {
+    if (argc > 2 && std::strcmp(argv[1], instanceArgument) == 0) {
         return runInstance(argc, argv);
     }
     const TestEnvironment environment;
-    leaveStaleSocket(core::instanceServerName(instanceKey));
-    QApplicationExSingle application(argc, argv, QStringLiteral("Brisora"), instanceKey);
-    SingleInstanceTest test;
+    const QString key = ownKey(QStringLiteral("first"));
+    QApplicationExSingle application(argc, argv, QStringLiteral("Brisora"), key);
+    SingleInstanceTest test(key);
     return QTest::qExec(&test, argc, argv);
 }
 

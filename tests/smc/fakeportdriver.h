@@ -69,8 +69,16 @@ public:
         return static_cast<std::uint16_t>(noise | byte);
     }
 
+    void beginExchange() override
+    {
+        ++exchanges;
+        ++openExchanges;
+    }
+    void endExchange() override { --openExchanges; }
+
     void sleep(std::uint32_t milliseconds) override
     {
+        sleepsOutside += openExchanges == 1 ? 0 : 1;
         calls << QStringLiteral("sleep %1").arg(milliseconds);
     }
 
@@ -97,6 +105,9 @@ public:
     std::deque<std::uint8_t> values;
     std::deque<std::uint32_t> ready = { 1 };
     std::string reason;
+    int exchanges = 0;
+    int openExchanges = 0;
+    int sleepsOutside = 0; // of the one exchange that may be open
     std::uint32_t error = 0;
     bool loads = true;
     bool hasIsInpOutDriverOpen = true;

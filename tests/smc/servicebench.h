@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 
 #include <QTest>
@@ -22,9 +23,9 @@ inline Bytes single(float value)
 
 inline Bytes identifier(const std::string& name)
 {
-    Bytes bytes = { 1, 2, 3, 4 };
-    bytes.insert(bytes.end(), name.begin(), name.end());
-    bytes.resize(16, 0);
+    Bytes bytes(16, 0);
+    const Bytes first = { 1, 2, 3, 4 };
+    std::copy(name.begin(), name.end(), std::copy(first.begin(), first.end(), bytes.begin()));
     return bytes;
 }
 

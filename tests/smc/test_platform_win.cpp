@@ -40,7 +40,6 @@ private Q_SLOTS:
     void linksAreLeftOutWithoutASite();
     void productTextCannotFillAnotherPlace();
     void theSystemsOwnTransportsAreMade();
-    void theSystemsOwnFactsAreHarmless();
 };
 
 void TestPlatformWin::halComesFirst()
@@ -321,16 +320,6 @@ void TestPlatformWin::theSystemsOwnTransportsAreMade()
     QVERIFY(dynamic_cast<SMC::PlatformWinProviderMMIO*>(mmio.get()) != nullptr);
     QVERIFY(dynamic_cast<SMC::PlatformWinProviderMacHAL*>(hal.get()) != nullptr);
     QVERIFY(dynamic_cast<SMC::PlatformWinProviderInpOut32*>(ports.get()) != nullptr);
-}
-
-void TestPlatformWin::theSystemsOwnFactsAreHarmless()
-{
-    const auto facts = SMC::makeTransportFacts();
-    QCOMPARE(facts->releaseId(), QString());
-    QVERIFY(!facts->halDriverExists());
-    QVERIFY(!facts->halDriverSigningYear().has_value());
-    QVERIFY(!facts->halDriverSize().has_value());
-    QVERIFY(!facts->softwareKeyExists(vanguardKey));
 }
 
 BRISORA_TEST_MAIN(TestPlatformWin, QCoreApplication)

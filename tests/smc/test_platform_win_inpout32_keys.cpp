@@ -21,6 +21,7 @@ private Q_SLOTS:
     void indexGoesOutMostSignificantByteFirst();
     void nameEndsAtAZero();
     void failedKeyByIndexIsLogged();
+    void everySleepLiesInAnExchange();
 };
 
 void TestPlatformWinInpOut32Keys::writeSendsValueBytesWhenTheyAreWanted()
@@ -169,6 +170,26 @@ void TestPlatformWinInpOut32Keys::failedKeyByIndexIsLogged()
     QCOMPARE(bench.log.lines(),
              words("error: PlatformWinProviderInpOut32::send_byte failed, "
                    "error: getKeyByIndex: read_smc failed"));
+}
+
+void TestPlatformWinInpOut32Keys::everySleepLiesInAnExchange()
+{
+    PortBench bench;
+    bench.open();
+    bench.driver->statuses = { accepted };
+    std::array<std::uint8_t, 2> value = {};
+    std::string name;
+    SMC::KeyInfo info;
+
+    static_cast<void>(bench.platform->readKey("F0Ac", value.data(), 2));
+    static_cast<void>(bench.platform->writeKey("FS! ", value.data(), 2));
+    static_cast<void>(bench.platform->getKeyInfo("F0Ac", info));
+    static_cast<void>(bench.platform->getKeyByIndex(1, name));
+
+    QVERIFY(!bench.driver->callsOf(QStringLiteral("sleep")).isEmpty());
+    QCOMPARE(bench.driver->sleepsOutside, 0);
+    QCOMPARE(bench.driver->exchanges, 4);
+    QCOMPARE(bench.driver->openExchanges, 0);
 }
 
 BRISORA_TEST_MAIN(TestPlatformWinInpOut32Keys, QCoreApplication)

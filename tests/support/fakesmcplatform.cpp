@@ -127,7 +127,7 @@ void FakeSmcPlatform::setTemperature(const std::string& name, double celsius)
 void FakeSmcPlatform::addFan(int index, const std::string& fanName, std::uint16_t current,
                              std::uint16_t min, std::uint16_t max)
 {
-    const std::string prefix = "F" + std::to_string(index);
+    const std::string prefix = 'F' + std::to_string(index);
     setFanSpeed(prefix + "Ac", current);
     setFanSpeed(prefix + "Mn", min);
     setFanSpeed(prefix + "Mx", max);

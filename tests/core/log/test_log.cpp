@@ -44,12 +44,6 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        // Hours away from UTC, so that local time is told from it.
-        qputenv("TZ", "XST-5:30");
-    }
-
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();

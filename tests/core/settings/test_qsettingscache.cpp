@@ -184,16 +184,6 @@ private Q_SLOTS:
         QCOMPARE(settings.getRect(QStringLiteral("Key2")), QRect());
     }
 
-    void settingsLieInTheUsersConfigurationFolder()
-    {
-        QSettingsCache settings(QStringLiteral("Orvane Software"), QStringLiteral("Brisora"));
-        settings.setInt(m_key, 1);
-        QFile file(qEnvironmentVariable("XDG_CONFIG_HOME")
-                   + QStringLiteral("/Orvane Software/Brisora.conf"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(file.readAll().contains("Key=1"));
-    }
-
     void aStorageThatCannotBeWrittenIsToldOnce()
     {
         blockStorage();
@@ -252,6 +242,32 @@ private Q_SLOTS:
         settings.removeStorage();
         QVERIFY(!QFile::exists(m_path));
         QCOMPARE(settings.getInt(m_key, -1), -1);
+    }
+
+    void whatIsWrittenAfterTheRemovalStartsANewStorage()
+    {
+        QSettingsCache settings(storage());
+        settings.setInt(m_key, 1);
+        settings.removeStorage();
+        settings.setInt(QStringLiteral("Later"), 4);
+        QCOMPARE(content().trimmed().replace("\r", ""), QByteArray("[General]\nLater=4"));
+        settings.removeStorage();
+        QVERIFY(!QFile::exists(m_path));
+    }
+
+    void theUsersOwnSettingsCanBeRemoved()
+    {
+        const QString organization = QStringLiteral("Orvane Software");
+        const QString application = QStringLiteral("Brisora Removal");
+        QSettingsCache settings(organization, application);
+        settings.setInt(m_key, 1);
+        const QString path = QSettings(organization, application).fileName();
+        settings.removeStorage();
+        QVERIFY(!QFile::exists(path));
+        settings.setInt(QStringLiteral("Later"), 4);
+        QSettings stored(organization, application);
+        QCOMPARE(stored.allKeys(), QStringList { QStringLiteral("Later") });
+        settings.removeStorage();
     }
 
     void manyThreadsMayUseIt()

@@ -118,34 +118,6 @@ private Q_SLOTS:
             QStringList({ QStringLiteral("error: Task loading ended with an exception: no memory"),
                           QStringLiteral("error: Task other ended with an unknown exception") }));
     }
-
-#ifdef Q_OS_LINUX
-    void theThreadHasTheTasksName_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("short") << QStringLiteral("update") << QStringLiteral("update");
-        QTest::newRow("just fits")
-            << QStringLiteral("123456789012345") << QStringLiteral("123456789012345");
-        QTest::newRow("too long") << QStringLiteral("1234567890123456")
-                                  << QStringLiteral("123456789012345");
-    }
-    void theThreadHasTheTasksName()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, shown);
-        QString found;
-        Task task;
-        QVERIFY(task.start(name.toStdString(), [&] {
-            QFile file(QStringLiteral("/proc/thread-self/comm"));
-            if (file.open(QIODevice::ReadOnly)) {
-                found = QString::fromLatin1(file.readAll()).trimmed();
-            }
-        }));
-        task.join();
-        QCOMPARE(found, shown);
-    }
-#endif
 };
 
 BRISORA_TEST_MAIN(TestTask, QCoreApplication)

@@ -113,4 +113,4 @@ void TerminationSignalsTest::handlersGoWithTheObject()
 }
 
 BRISORA_TEST_MAIN(TerminationSignalsTest, QCoreApplication)
-#include "test_terminationsignals.moc"
+#include "test_terminationsignals_linux.moc"

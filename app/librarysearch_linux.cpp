@@ -1,0 +1,4 @@
+#include "app/librarysearch.h"
+
+// The system doesn't look there.
+void leaveOutCurrentFolder() { }

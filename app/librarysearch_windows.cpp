@@ -1,0 +1,5 @@
+#include "app/librarysearch.h"
+
+#include <windows.h>
+
+void leaveOutCurrentFolder() { SetDllDirectoryW(L""); }

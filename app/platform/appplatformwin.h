@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "app/platform/appplatformspecific.h"
+
+class WindowsCalls;
+
+// Windows: the driver, where one is needed, is installed, tested and removed by
+// a tool that lies beside the executable.
+class AppPlatformWin final : public AppPlatformSpecific {
+public:
+    AppPlatformWin(PlatformHost host, std::unique_ptr<WindowsCalls> calls);
+    // Gives COM back if the start check has taken it.
+    ~AppPlatformWin() override;
+
+    bool startCheck() override;
+    void createMainWindow() override;
+    bool uninstall() override;
+    QString logFilePath() const override;
+    bool hasWriteAccess() const override;
+
+private:
+    void initializeCom();
+    void installDriver();
+    void checkDriver();
+    // The tool's switch for this machine's kind of driver, if it needs one.
+    [[nodiscard]] QStringList driverVariant() const;
+    // As WindowsCalls::runProcess.
+    [[nodiscard]] int runTool(const QStringList& switches, std::uint32_t timeout,
+                              std::uint32_t* exitCode);
+
+    const std::unique_ptr<WindowsCalls> m_calls;
+    bool m_comInitialized = false;
+};

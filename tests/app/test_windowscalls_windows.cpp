@@ -1,0 +1,290 @@
+#include <array>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <windows.h>
+// After windows.h, which it needs.
+#include <objbase.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "app/platform/windowscalls.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/testenvironment.h"
+
+namespace {
+
+constexpr std::uint32_t untouched = 1234;
+constexpr DWORD deadline = 10000; // milliseconds
+
+// An event that the helper tool knows by its name.
+class NamedEvent {
+public:
+    explicit NamedEvent(const QString& name)
+        : m_handle(CreateEventW(nullptr, TRUE, FALSE, name.toStdWString().c_str()))
+    {
+    }
+    NamedEvent(const NamedEvent&) = delete;
+    NamedEvent& operator=(const NamedEvent&) = delete;
+    // Whatever happened, the tool ends.
+    ~NamedEvent()
+    {
+        set();
+        CloseHandle(m_handle);
+    }
+
+    void set() { SetEvent(m_handle); }
+    [[nodiscard]] bool isSetInTime() { return WaitForSingleObject(m_handle, deadline) == 0; }
+
+private:
+    const HANDLE m_handle;
+};
+
+// Answers the system's message box with the given title as soon as it is there,
+// on a thread of its own.
+class BoxAnswer {
+public:
+    explicit BoxAnswer(std::wstring title)
+        : m_thread([this, boxTitle = std::move(title)] { answer(boxTitle); })
+    {
+    }
+
+    [[nodiscard]] std::wstring text()
+    {
+        m_thread.join();
+        return m_text;
+    }
+
+private:
+    void answer(const std::wstring& title)
+    {
+        constexpr DWORD pause = 20; // milliseconds
+        for (DWORD waited = 0; waited < deadline; waited += pause) {
+            const HWND box = FindWindowW(nullptr, title.c_str());
+            if (box != nullptr && IsWindowVisible(box) != 0) {
+                m_text = textOf(box);
+                PostMessageW(box, WM_COMMAND, IDOK, 0);
+                return;
+            }
+            Sleep(pause);
+        }
+    }
+
+    // The field with the icon is of the same class, and has no text.
+    static std::wstring textOf(HWND box)
+    {
+        std::array<wchar_t, 200> text {};
+        HWND field = nullptr;
+        do {
+            field = FindWindowExW(box, field, L"Static", nullptr);
+        } while (field != nullptr
+                 && GetWindowTextW(field, text.data(), static_cast<int>(text.size())) == 0);
+        return text.data();
+    }
+
+    std::wstring m_text;
+    std::thread m_thread;
+};
+
+} // namespace
+
+class WindowsCallsTest : public QObject {
+    Q_OBJECT
+
+private:
+    const std::unique_ptr<WindowsCalls> m_calls = makeWindowsCalls();
+    const QString m_tool = QDir::toNativeSeparators(QCoreApplication::applicationDirPath()
+                                                    + QLatin1String("/helpertool.exe"));
+
+    int run(const QString& arguments, std::uint32_t timeout, std::uint32_t* exitCode)
+    {
+        return m_calls->runProcess(m_tool, arguments, 0, timeout, exitCode);
+    }
+
+private Q_SLOTS:
+    void theExitCodeIsKept_data()
+    {
+        QTest::addColumn<unsigned>("code");
+        QTest::newRow("zero") << 0U;
+        QTest::newRow("one") << 1U;
+        QTest::newRow("large") << 123456U;
+    }
+    void theExitCodeIsKept()
+    {
+        QFETCH(unsigned, code);
+        std::uint32_t exitCode = untouched;
+        QCOMPARE(run(QStringLiteral("exit %1").arg(code), WindowsCalls::noTimeout, &exitCode), 0);
+        QCOMPARE(exitCode, code);
+    }
+
+    void theExitCodeNeedNotBeAsked()
+    {
+        QCOMPARE(run(QStringLiteral("exit 5"), WindowsCalls::noTimeout, nullptr), 0);
+    }
+
+    void aMissingProgramGivesZero()
+    {
+        const LogCapture log;
+        std::uint32_t exitCode = untouched;
+        const QString missing = m_tool + QStringLiteral(".missing.exe");
+        QCOMPARE(m_calls->runProcess(missing, QStringLiteral("exit 5"), 0, WindowsCalls::noTimeout,
+                                     &exitCode),
+                 0);
+        QCOMPARE(exitCode, untouched);
+        QCOMPARE(log.lines().size(), 1);
+        QVERIFY(log.lines().constFirst().startsWith(
+            QStringLiteral("error: %1 can't be started: ").arg(missing)));
+    }
+
+    void withoutATimeoutItDoesNotWait()
+    {
+        NamedEvent end(QStringLiteral("brisora-unawaited"));
+        NamedEvent started(QStringLiteral("brisora-unawaited-started"));
+        std::uint32_t exitCode = untouched;
+        QCOMPARE(run(QStringLiteral("wait brisora-unawaited"), 0, &exitCode), 1);
+        QCOMPARE(exitCode, untouched);
+        QVERIFY(started.isSetInTime());
+    }
+
+    void aLongRunTimesOut()
+    {
+        NamedEvent end(QStringLiteral("brisora-timeout"));
+        NamedEvent started(QStringLiteral("brisora-timeout-started"));
+        std::uint32_t exitCode = untouched;
+        QCOMPARE(run(QStringLiteral("wait brisora-timeout"), 50, &exitCode), 258);
+        QCOMPARE(exitCode, std::uint32_t { STILL_ACTIVE });
+        QVERIFY(started.isSetInTime());
+    }
+
+    void anEndInTimeIsNoTimeout()
+    {
+        NamedEvent end(QStringLiteral("brisora-in-time"));
+        NamedEvent started(QStringLiteral("brisora-in-time-started"));
+        end.set();
+        std::uint32_t exitCode = untouched;
+        QCOMPARE(run(QStringLiteral("wait brisora-in-time"), deadline, &exitCode), 0);
+        QCOMPARE(exitCode, 3U);
+    }
+
+    void theCommandLineIsCut_data()
+    {
+        QTest::addColumn<int>("length");
+        QTest::addColumn<unsigned>("expected");
+        QTest::newRow("short") << 100 << 100U;
+        QTest::newRow("one less") << 2046 << 2046U;
+        QTest::newRow("just fits") << 2047 << 2047U;
+        QTest::newRow("one more") << 2048 << 2047U;
+        QTest::newRow("long") << 5000 << 2047U;
+    }
+    void theCommandLineIsCut()
+    {
+        QFETCH(int, length);
+        QFETCH(unsigned, expected);
+        QTemporaryDir folder(QStringLiteral("C:/b-XXXXXX"));
+        const QString program = QDir::toNativeSeparators(folder.filePath(QStringLiteral("t.exe")));
+        QVERIFY(QFile::copy(m_tool, program));
+        QString arguments = QStringLiteral("length ");
+        // The quotes and the blank belong to the command line.
+        arguments += QString(length - program.size() - 3 - arguments.size(), QLatin1Char('x'));
+        std::uint32_t exitCode = untouched;
+        QCOMPARE(m_calls->runProcess(program, arguments, 0, WindowsCalls::noTimeout, &exitCode), 0);
+        QCOMPARE(exitCode, expected);
+    }
+
+    void aBlankInThePathLeadsToNoOtherProgram()
+    {
+        QTemporaryDir folder;
+        QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("a folder")));
+        const QString program
+            = QDir::toNativeSeparators(folder.filePath(QStringLiteral("a folder/tool.exe")));
+        QVERIFY(QFile::copy(m_tool, program));
+        QVERIFY(QFile::copy(m_tool, folder.filePath(QStringLiteral("a.exe"))));
+
+        std::uint32_t exitCode = untouched;
+        QCOMPARE(m_calls->runProcess(program, QStringLiteral("exit 7"), 0, WindowsCalls::noTimeout,
+                                     &exitCode),
+                 0);
+        QCOMPARE(exitCode, 7U);
+
+        // The other one isn't taken in its place either.
+        QVERIFY(QFile::remove(program));
+        exitCode = untouched;
+        QCOMPARE(m_calls->runProcess(program, QStringLiteral("exit 7"), 0, WindowsCalls::noTimeout,
+                                     &exitCode),
+                 0);
+        QCOMPARE(exitCode, untouched);
+    }
+
+    void aPathMayHaveAnyLetters()
+    {
+        QTemporaryDir folder;
+        const QString program
+            = QDir::toNativeSeparators(folder.filePath(QString::fromUtf8("Lüfter ж.exe")));
+        QVERIFY(QFile::copy(m_tool, program));
+        std::uint32_t exitCode = untouched;
+        QCOMPARE(m_calls->runProcess(program, QStringLiteral("exit 8"), 0, WindowsCalls::noTimeout,
+                                     &exitCode),
+                 0);
+        QCOMPARE(exitCode, 8U);
+    }
+
+    void theMessagesOfWindowsStay()
+    {
+        const HWND window = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                            nullptr, nullptr);
+        QVERIFY(window != nullptr);
+        QVERIFY(PostMessageW(window, WM_APP, 5, 6) != 0);
+
+        QCOMPARE(run(QStringLiteral("exit 0"), WindowsCalls::noTimeout, nullptr), 0);
+
+        MSG message {};
+        QVERIFY(PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE) != 0);
+        QCOMPARE(message.wParam, WPARAM { 5 });
+        const auto threadMessages = reinterpret_cast<HWND>(INT_PTR { -1 });
+        QVERIFY(PeekMessageW(&message, threadMessages, WM_NULL, WM_NULL, PM_REMOVE) == 0);
+        DestroyWindow(window);
+    }
+
+    void comIsTakenPerThread()
+    {
+        std::array<std::int32_t, 3> results { -1, -1, -1 };
+        std::thread([this, &results] {
+            results[0] = m_calls->initializeCom();
+            results[1] = m_calls->initializeCom();
+            m_calls->uninitializeCom();
+            m_calls->uninitializeCom();
+            // Nothing is left of it: another mode is free.
+            results[2] = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+            CoUninitialize();
+        }).join();
+        QCOMPARE(results[0], 0);
+        QCOMPARE(results[1], 1);
+        QCOMPARE(results[2], 0);
+    }
+
+    void comOfAnotherModeIsTold()
+    {
+        std::int32_t result = 0;
+        std::thread([this, &result] {
+            CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+            result = m_calls->initializeCom();
+            CoUninitialize();
+        }).join();
+        QCOMPARE(result, WindowsCalls::comChangedMode);
+    }
+
+    void aWarningIsABoxOfTheSystems()
+    {
+        BoxAnswer answer(L"Brisora test 1.5.9");
+        m_calls->showWarning(QStringLiteral("Brisora test 1.5.9"),
+                             QString::fromUtf8("Kein Lüfter."));
+        QCOMPARE(QString::fromStdWString(answer.text()), QString::fromUtf8("Kein Lüfter."));
+    }
+};
+
+BRISORA_TEST_MAIN(WindowsCallsTest, QCoreApplication)
+#include "test_windowscalls_windows.moc"
