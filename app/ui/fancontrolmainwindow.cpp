@@ -14,6 +14,7 @@
 #include "app/ui/foregroundwindow.h"
 #include "core/application_flags.h"
 #include "core/language/languagestrings.h"
+#include "core/log/log.h"
 #include "core/settings/qsettingscache.h"
 #include "core/widgets/qmessageboxlocalized.h"
 #include "core/widgets/widgethelpers.h"
@@ -240,11 +241,23 @@ void QFanControlMainWindow::slotSensorsReloadEnd()
     m_ui->tableSensors->blockSignals(false);
 }
 
+QString QFanControlMainWindow::activePresetName() const
+{
+    const auto* const profiles = m_fanControl.profiles();
+    if (profiles->isActiveAutomatic()) {
+        return text("Presets/presetAutomatic");
+    }
+    if (profiles->isActiveFullBlast()) {
+        return text("Presets/presetFullBlast");
+    }
+    return profiles->isActiveCustom() ? profiles->activeProfile().name()
+                                      : text("Presets/presetCurrentUnsaved");
+}
+
 void QFanControlMainWindow::showActivePreset()
 {
-    const FanProfile active = m_fanControl.profiles()->activeProfile();
     m_ui->labelActivePreset->setText(text("Presets/activePresetLabel") + QLatin1Char(' ')
-                                     + active.name());
+                                     + activePresetName());
     for (int fan = 0; fan < m_ui->tableFans->rowCount(); ++fan) {
         slotFanUpdate(static_cast<uint8_t>(fan));
     }
@@ -315,7 +328,10 @@ void QFanControlMainWindow::onClose()
 {
     savePlace();
     hide();
-    if (!m_fanControl.stopAndWaitForFinished() && !m_terminating) {
+    const bool stopped = m_fanControl.stopAndWaitForFinished();
+    // At the end of a session the system may leave no time after this.
+    core::log::flush();
+    if (!stopped && !m_terminating) {
         QMessageBoxLocalized::warning(
             nullptr, m_texts.productTitle,
             QStringLiteral("Unable to terminate the app in the right way, \nplease contact "

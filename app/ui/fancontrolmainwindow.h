@@ -68,6 +68,7 @@ private:
     void savePlace();
     void fillFans();
     void fillSensors();
+    [[nodiscard]] QString activePresetName() const;
     void showActivePreset();
     void firstShow();
 
