@@ -2,12 +2,12 @@
 # Installs what is missing, builds, and runs every test that this machine can
 # run. The last line gives the totals.
 #
-#   ./test.sh [GROUP...]     groups: checks dev asan tsan fuzz (default: all)
+#   ./test.sh [GROUP...]     groups: checks dev windows asan tsan fuzz (default: all)
 set -uo pipefail
 cd "$(dirname "$0")"
 
 groups=("$@")
-[ ${#groups[@]} -gt 0 ] || groups=(checks dev asan tsan fuzz)
+[ ${#groups[@]} -gt 0 ] || groups=(checks dev windows asan tsan fuzz)
 results=build/results
 rm -rf "$results"
 mkdir -p "$results"
@@ -91,10 +91,59 @@ run_dev() {
     section "Development build"
     build dev -DBRISORA_WERROR=ON || return
     section "Tests"
-    run_ctest dev
+    run_ctest dev -LE wine
     section "Figures"
     QT_QPA_PLATFORM=offscreen build/dev/bench/brisora_figures
     count "figures" $?
+}
+
+# The number of a build's tests: PRESET [CTEST OPTION...]
+count_tests() {
+    local preset=$1
+    shift
+    ctest --test-dir "build/$preset" -N "$@" | sed -n 's/^Total Tests: //p'
+}
+
+# Starts a virtual display and sets DISPLAY to it.
+start_display() {
+    local number
+    exec {display_pipe}< <(exec Xvfb -displayfd 1 -screen 0 1920x1200x24 -nolisten tcp 2> /dev/null)
+    display_server=$!
+    read -r -t 30 number <&"$display_pipe" && export DISPLAY=:$number
+}
+
+end_display() {
+    kill "$display_server"
+    exec {display_pipe}<&-
+    unset DISPLAY
+}
+
+run_windows() {
+    section "Windows program"
+    # The whole road is simulated by what the development build makes.
+    build windows -DBRISORA_WERROR=ON || return
+    build dev -DBRISORA_WERROR=ON || return
+
+    section "Under Wine"
+    # The unit tests run in one prefix, each end-to-end test in a copy of the other.
+    local unit_prefix=$PWD/build/wine/unit prefix=$PWD/build/wine/template count
+    if ! tools/windows/wine.sh || ! tools/windows/wine.sh prefix "$unit_prefix" ||
+        ! tools/windows/wine.sh prefix "$prefix"; then
+        count=$(($(count_tests windows) + $(count_tests dev -L wine)))
+        skipped=$((skipped + count))
+        echo "SKIPPED: the $count tests of the wine group, because Wine can't be provided here"
+        return
+    fi
+    export BRISORA_WINDOWS_SDK BRISORA_WINE_PREFIX=$unit_prefix
+    BRISORA_WINDOWS_SDK=$(sed -n 's/^BRISORA_WINDOWS_SDK:PATH=//p' build/windows/CMakeCache.txt)
+    # One server and one display for all programs; the end-to-end tests have their
+    # own.
+    start_display
+    tools/windows/run-under-wine.sh --keep-server
+    run_ctest windows
+    tools/windows/run-under-wine.sh --end-server
+    end_display
+    BRISORA_WINE_PREFIX=$prefix run_ctest dev -L wine
 }
 
 run_asan() {
@@ -118,7 +167,7 @@ run_fuzz() {
 
 for group in "${groups[@]}"; do
     case $group in
-        checks | dev | asan | tsan | fuzz) ;;
+        checks | dev | windows | asan | tsan | fuzz) ;;
         *) echo "Unknown group: $group" >&2; exit 2 ;;
     esac
 done

@@ -24,12 +24,6 @@ private:
     VirtualDisplay m_display;
 };
 
-namespace {
-
-bool usesController(const TraceLine& line) { return line.kind != TraceLine::Kind::Event; }
-
-} // namespace
-
 void TestBoxes::initTestCase()
 {
     // Without a display none of this is tested, which must be seen.
@@ -99,7 +93,7 @@ void TestBoxes::a_refused_start_tells_why_and_ends()
 
     QVERIFY(run.waitForEnd());
     QCOMPARE(run.exitCode(), code);
-    QCOMPARE(trace::count(run.traceLog(), usesController), 0);
+    QCOMPARE(trace::count(run.traceLog(), trace::usedController()), 0);
     QVERIFY(!run.storedSetting(QStringLiteral("ActivePreset")).isValid());
     QCOMPARE(run.log().contains(QLatin1String("Using HAL")), code == 4);
 }
@@ -114,7 +108,7 @@ void TestBoxes::a_known_virtual_machine_is_refused_silently()
 
     QVERIFY(run.waitForEnd());
     QCOMPARE(run.exitCode(), 3);
-    QCOMPARE(trace::count(run.traceLog(), usesController), 0);
+    QCOMPARE(trace::count(run.traceLog(), trace::usedController()), 0);
 }
 
 void TestBoxes::skipcheck_goes_on_to_the_controller()
@@ -140,7 +134,7 @@ void TestBoxes::init_ends_without_a_box()
 
     QVERIFY(run.waitForEnd());
     QCOMPARE(run.exitCode(), 3);
-    QCOMPARE(trace::count(run.traceLog(), usesController), 0);
+    QCOMPARE(trace::count(run.traceLog(), trace::usedController()), 0);
 }
 
 BRISORA_TEST_MAIN(TestBoxes, QCoreApplication)

@@ -1,7 +1,4 @@
-#include <cstdlib>
-
 #include <QCoreApplication>
-#include <QJsonArray>
 
 #include "tests/e2e/simulatedrun.h"
 #include "tests/support/testenvironment.h"
@@ -16,18 +13,6 @@ private Q_SLOTS:
     void automatic_writes_no_speed();
 };
 
-namespace {
-
-bool turnsAt(SimulatedRun& run, int fan, int rpm)
-{
-    return run.waitFor([&run, fan, rpm] {
-        const QJsonArray fans = run.state()[QLatin1String("fans")].toArray();
-        return std::abs(fans[fan][QLatin1String("actual")].toDouble() - rpm) < 30.0;
-    });
-}
-
-} // namespace
-
 void TestConstantPresets::a_stored_speed_is_held()
 {
     SimulatedRun run;
@@ -39,8 +24,8 @@ void TestConstantPresets::a_stored_speed_is_held()
     QVERIFY(run.waitForLine(trace::wroteMask(3)) >= 0);
     QVERIFY(run.waitForLine(trace::wroteRpm("F0Tg", 3000)) >= 0);
     QVERIFY(run.waitForLine(trace::wroteRpm("F1Tg", 4000)) >= 0);
-    QVERIFY(turnsAt(run, 0, 3000));
-    QVERIFY(turnsAt(run, 1, 4000));
+    QVERIFY(run.waitForSpeed(0, 3000));
+    QVERIFY(run.waitForSpeed(1, 4000));
 
     QVERIFY(run.terminate());
     QCOMPARE(trace::controlFaults(run.traceLog()), QStringList());
@@ -58,8 +43,8 @@ void TestConstantPresets::full_blast_runs_every_fan_at_its_maximum()
 
     QVERIFY(run.waitForLine(trace::wroteRpm("F0Tg", 6156)) >= 0);
     QVERIFY(run.waitForLine(trace::wroteRpm("F1Tg", 5700)) >= 0);
-    QVERIFY(turnsAt(run, 0, 6156));
-    QVERIFY(turnsAt(run, 1, 5700));
+    QVERIFY(run.waitForSpeed(0, 6156));
+    QVERIFY(run.waitForSpeed(1, 5700));
 
     QVERIFY(run.terminate());
     QCOMPARE(trace::controlFaults(run.traceLog()), QStringList());

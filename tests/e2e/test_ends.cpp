@@ -24,10 +24,7 @@ const QStringList preset { QStringLiteral("1,3000"), QStringLiteral("2,TC0P,30,8
 QStringList givenBackLast(SimulatedRun& run)
 {
     QStringList faults = run.leftovers();
-    const TraceLog& log = run.traceLog();
-    const int last = trace::lastIndexOf(
-        log, [](const TraceLine& line) { return line.kind == TraceLine::Kind::Write; });
-    if (last < 0 || !trace::wroteMask(0)(log[static_cast<std::size_t>(last)])) {
+    if (!trace::givesBackLast(run.traceLog())) {
         faults.append(QStringLiteral("the last write doesn't clear the control bits"));
     }
     if (run.storedSetting(QStringLiteral("ActivePreset")).toString() != QLatin1String("Custom:0")) {

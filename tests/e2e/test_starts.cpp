@@ -19,15 +19,6 @@ private Q_SLOTS:
 
 namespace {
 
-bool usesController(const TraceLine& line) { return line.kind != TraceLine::Kind::Event; }
-
-// What only a start does.
-bool belongsToStart(const TraceLine& line)
-{
-    return line.kind == TraceLine::Kind::Info || line.kind == TraceLine::Kind::Index
-        || line.isRead("FNum") || line.isRead("#KEY") || line.isRead("FS! ");
-}
-
 bool hasReadSpeeds(SimulatedRun& run, int times, std::size_t from)
 {
     return run.waitFor([&run, times, from] {
@@ -86,7 +77,7 @@ void TestStarts::a_second_start_raises_the_first_ones_window()
 
     // The first one shows its temperatures now; the second has touched nothing.
     QVERIFY(run.waitForLine(trace::readTemperature(), beforeSecond) >= 0);
-    QCOMPARE(trace::count(run.traceLog(), belongsToStart, beforeSecond), 0);
+    QCOMPARE(trace::count(run.traceLog(), trace::belongsToStart(), beforeSecond), 0);
     QVERIFY(run.terminate());
     QCOMPARE(run.leftovers(), QStringList());
 }
@@ -103,7 +94,7 @@ void TestStarts::uninstall_removes_the_settings()
     QCOMPARE(run.exitCode(), 1);
     QVERIFY(!QFile::exists(run.settingsFile()));
     QVERIFY(!QFile::exists(run.path(QStringLiteral("tmp/Brisora.log"))));
-    QCOMPARE(trace::count(run.traceLog(), usesController), 0);
+    QCOMPARE(trace::count(run.traceLog(), trace::usedController()), 0);
 }
 
 void TestStarts::uninstall_leaves_a_running_instance_running()
@@ -119,7 +110,7 @@ void TestStarts::uninstall_leaves_a_running_instance_running()
     QVERIFY(!QFile::exists(run.settingsFile()));
     QVERIFY(hasReadSpeeds(run, 2, beforeUninstall));
     QVERIFY(run.isRunning());
-    QCOMPARE(trace::count(run.traceLog(), belongsToStart, beforeUninstall), 0);
+    QCOMPARE(trace::count(run.traceLog(), trace::belongsToStart(), beforeUninstall), 0);
     QCOMPARE(trace::count(run.traceLog(), trace::wroteMask(0), beforeUninstall), 0);
     QVERIFY(run.terminate());
     QCOMPARE(run.leftovers(), QStringList());

@@ -124,6 +124,19 @@ LineTest usedFanKey()
     };
 }
 
+LineTest usedController()
+{
+    return [](const TraceLine& line) { return line.kind != Kind::Event; };
+}
+
+LineTest belongsToStart()
+{
+    return [](const TraceLine& line) {
+        return line.kind == Kind::Info || line.kind == Kind::Index || line.isRead("FNum")
+            || line.isRead("#KEY") || line.isRead("FS! ");
+    };
+}
+
 int count(const TraceLog& log, const LineTest& test, std::size_t from)
 {
     const auto begin = log.begin() + static_cast<std::ptrdiff_t>(std::min(from, log.size()));
@@ -141,6 +154,13 @@ int lastIndexOf(const TraceLog& log, const LineTest& test)
 {
     const auto found = std::find_if(log.rbegin(), log.rend(), test);
     return found == log.rend() ? -1 : static_cast<int>(log.rend() - found) - 1;
+}
+
+bool givesBackLast(const TraceLog& log)
+{
+    const int last
+        = lastIndexOf(log, [](const TraceLine& line) { return line.kind == Kind::Write; });
+    return last >= 0 && wroteMask(0)(log[static_cast<std::size_t>(last)]);
 }
 
 QStringList controlFaults(const TraceLog& log)

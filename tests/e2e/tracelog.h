@@ -45,11 +45,18 @@ namespace trace {
 [[nodiscard]] LineTest readTemperature();
 // Any fan key, whatever was done to it.
 [[nodiscard]] LineTest usedFanKey();
+// Any access to the controller.
+[[nodiscard]] LineTest usedController();
+// What the program does at its start alone.
+[[nodiscard]] LineTest belongsToStart();
 
 [[nodiscard]] int count(const TraceLog& log, const LineTest& test, std::size_t from = 0);
 // The first, or the last, line from an index on; -1 when there is none.
 [[nodiscard]] int indexOf(const TraceLog& log, const LineTest& test, std::size_t from = 0);
 [[nodiscard]] int lastIndexOf(const TraceLog& log, const LineTest& test);
+
+// Whether the last write of all clears the control bits.
+[[nodiscard]] bool givesBackLast(const TraceLog& log);
 
 // What is wrong with the order of control bits and speeds on a machine with a
 // control mask: a speed for a fan that isn't forced, a speed without a recent

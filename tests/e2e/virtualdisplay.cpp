@@ -7,13 +7,14 @@ namespace {
 constexpr int startTimeout = 15000; // milliseconds
 
 const QString serverProgram = QStringLiteral("Xvfb");
-const QString toolProgram = QStringLiteral("xdotool");
+const QString windowTool = QStringLiteral("xdotool");
+const QString pictureTool = QStringLiteral("import");
 
 } // namespace
 
 QString VirtualDisplay::missingProgram()
 {
-    for (const QString& program : { serverProgram, toolProgram }) {
+    for (const QString& program : { serverProgram, windowTool, pictureTool }) {
         if (QStandardPaths::findExecutable(program).isEmpty()) {
             return program;
         }
@@ -36,13 +37,14 @@ bool VirtualDisplay::start()
     return false;
 }
 
-bool VirtualDisplay::runTool(const QStringList& arguments, QString& output) const
+bool VirtualDisplay::runTool(const QString& program, const QStringList& arguments,
+                             QString& output) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("DISPLAY"), m_name);
     QProcess tool;
     tool.setProcessEnvironment(environment);
-    tool.start(toolProgram, arguments);
+    tool.start(program, arguments);
     if (!tool.waitForFinished()) {
         return false;
     }
@@ -54,7 +56,8 @@ QString VirtualDisplay::findWindow(const QString& title) const
 {
     // The tool's own search by name finds no window whose title is Qt's choice.
     QString found;
-    if (!runTool({ QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+    if (!runTool(windowTool,
+                 { QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                    QStringLiteral("--class"), QStringLiteral("brisora") },
                  found)) {
         return {};
@@ -62,7 +65,8 @@ QString VirtualDisplay::findWindow(const QString& title) const
     const QStringList windows = found.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& window : windows) {
         QString name;
-        if (runTool({ QStringLiteral("getwindowname"), window }, name) && name.trimmed() == title) {
+        if (runTool(windowTool, { QStringLiteral("getwindowname"), window }, name)
+            && name.trimmed() == title) {
             return window;
         }
     }
@@ -72,5 +76,11 @@ QString VirtualDisplay::findWindow(const QString& title) const
 bool VirtualDisplay::acceptBox() const
 {
     QString ignored;
-    return runTool({ QStringLiteral("key"), QStringLiteral("Return") }, ignored);
+    return runTool(windowTool, { QStringLiteral("key"), QStringLiteral("Return") }, ignored);
+}
+
+bool VirtualDisplay::saveScreenshot(const QString& window, const QString& file) const
+{
+    QString ignored;
+    return runTool(pictureTool, { QStringLiteral("-window"), window, file }, ignored);
 }

@@ -20,9 +20,12 @@ public:
     [[nodiscard]] QString findWindow(const QString& title) const;
     // Presses the default button of the box in front.
     [[nodiscard]] bool acceptBox() const;
+    // A picture of the window, which the file's ending gives its format.
+    [[nodiscard]] bool saveScreenshot(const QString& window, const QString& file) const;
 
 private:
-    [[nodiscard]] bool runTool(const QStringList& arguments, QString& output) const;
+    [[nodiscard]] bool runTool(const QString& program, const QStringList& arguments,
+                               QString& output) const;
 
     ProcessGroup m_server;
     QString m_name;
