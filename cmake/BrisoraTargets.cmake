@@ -80,13 +80,15 @@ function(brisora_program name)
     target_link_libraries(${name} PRIVATE ${arg_USES} brisora_options)
 endfunction()
 
-# brisora_test(name LABEL label SOURCES ... [USES target ...] [TIMEOUT seconds])
-# A Qt Test program, run by ctest without a display.
+# brisora_test(name LABEL label SOURCES ... [USES target ...] [TIMEOUT seconds]
+#              [FUNCTIONS function ...])
+# A Qt Test program, run by ctest without a display: all of its test functions, or
+# the named ones.
 function(brisora_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL;TIMEOUT" "SOURCES;USES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL;TIMEOUT" "SOURCES;USES;FUNCTIONS")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_USES} test_support Qt5::Test brisora_options)
-    add_test(NAME ${name} COMMAND ${name})
+    add_test(NAME ${name} COMMAND ${name} ${arg_FUNCTIONS})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 120)
     endif()

@@ -4,34 +4,20 @@
 #include "app/smc/port_driver.h"
 #include "tests/support/testenvironment.h"
 
-// Run with the loader's path pointing to a port driver library; the library's
-// kind is the environment variable PORT_LIBRARY: "whole", "without Out32" or
-// "none". The build names the system's errors.
+// The build runs each function with the loader's path pointing to the library that
+// it is about, or to none, and names the system's errors.
 class TestPortDriver : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void libraryIsFoundByTheLoader();
     void functionsOfTheLibraryAreUsed();
     void functionThatIsMissingIsNotResolved();
     void missingLibraryLeavesAnErrorNumber();
     void sleepLastsAtLeastItsTime();
-
-private:
-    [[nodiscard]] static QByteArray library() { return qgetenv("PORT_LIBRARY"); }
 };
-
-void TestPortDriver::libraryIsFoundByTheLoader()
-{
-    const auto driver = SMC::makePortDriver();
-    QCOMPARE(driver->load(), library() != "none");
-}
 
 void TestPortDriver::functionsOfTheLibraryAreUsed()
 {
-    if (library() != "whole") {
-        QSKIP("needs the whole library");
-    }
     const auto driver = SMC::makePortDriver();
     QVERIFY(driver->load());
     QVERIFY(driver->resolve(SMC::PortFunction::IsInpOutDriverOpen));
@@ -47,9 +33,6 @@ void TestPortDriver::functionsOfTheLibraryAreUsed()
 
 void TestPortDriver::functionThatIsMissingIsNotResolved()
 {
-    if (library() != "without Out32") {
-        QSKIP("needs the library without Out32");
-    }
     const auto driver = SMC::makePortDriver();
     QVERIFY(driver->load());
     QVERIFY(driver->resolve(SMC::PortFunction::IsInpOutDriverOpen));
@@ -60,9 +43,6 @@ void TestPortDriver::functionThatIsMissingIsNotResolved()
 
 void TestPortDriver::missingLibraryLeavesAnErrorNumber()
 {
-    if (library() != "none") {
-        QSKIP("needs a system without the library");
-    }
     const auto driver = SMC::makePortDriver();
     QVERIFY(!driver->load());
     QCOMPARE(driver->lastError(), std::uint32_t { MISSING_LIBRARY_ERROR });
