@@ -32,6 +32,11 @@ source_versions() {
     done
 }
 
+# Prints PACKAGE=VERSION of the headers that copy_headers takes from this machine.
+header_versions() {
+    dpkg-query -W -f='${Package}=${Version}\n' libspdlog-dev libfmt-dev
+}
+
 from_archive() {
     echo "Unpacking the Windows libraries..."
     tar -xJf "$archive" -C "$1" --strip-components=1 windows-sdk ||
@@ -94,17 +99,18 @@ case $cache in
 esac
 mkdir -p "$cache"
 
+headers=$(header_versions)
 work=
 trap '[ -z "$work" ] || rm -rf "$work"' EXIT
 if [ -n "$archive" ]; then
     [ -f "$archive" ] || fail "WINDOWS_SDK names no file: $archive"
-    key=$(sha256sum < "$archive")
+    key=$(cat - "$archive" <<< "$headers" | sha256sum)
     folder=$cache/windows-sdk-${key:0:12}
     provide "$folder" from_archive
 else
     versions=$(source_versions)
     mapfile -t sources <<< "$versions"
-    key=$(cat tools/windows/build-libraries.sh - <<< "${sources[*]}" | sha256sum)
+    key=$(cat tools/windows/build-libraries.sh - <<< "${sources[*]} $headers" | sha256sum)
     qt=${sources[0]#*=}
     folder=$cache/windows-sdk-${qt%%+*}-${key:0:12}
     provide "$folder" from_sources
