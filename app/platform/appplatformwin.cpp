@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/platform/processrun.h"
 #include "app/platform/startchecks.h"
 #include "app/platform/windowscalls.h"
 #include "app/sysinfo/sysinfo.h"
@@ -84,10 +85,10 @@ void AppPlatformWin::initializeCom()
 
 void AppPlatformWin::installDriver()
 {
-    const int result
+    const ProcessResult result
         = runTool(driverVariant() << QStringLiteral("/install"), installTimeout, nullptr);
     // Required: only a wait that failed is told, not one that timed out.
-    if (result == WindowsCalls::WaitFailed) {
+    if (result == ProcessResult::WaitFailed) {
         m_calls->showWarning(
             host().systemInfo.machineName(),
             QStringLiteral("AppleSMC.sys installation timeout! Please contact support for "
@@ -98,11 +99,11 @@ void AppPlatformWin::installDriver()
 void AppPlatformWin::checkDriver()
 {
     std::uint32_t exitCode = 0;
-    const int result = runTool(driverVariant() << QStringLiteral("/is_installed"),
-                               WindowsCalls::noTimeout, &exitCode);
+    const ProcessResult result = runTool(driverVariant() << QStringLiteral("/is_installed"),
+                                         WindowsCalls::noTimeout, &exitCode);
     // Required: after a wait that went well the exit code doesn't matter. Opening
     // the controller tells whether the driver is there.
-    if (result != WindowsCalls::Ended && exitCode == 0) {
+    if (result != ProcessResult::Ended && exitCode == 0) {
         m_calls->showWarning(
             host().productTitle,
             QStringLiteral("AppleSMC.sys driver doesn't seem to be installed. Please reinstall "
@@ -117,12 +118,12 @@ QStringList AppPlatformWin::driverVariant() const
         : QStringList();
 }
 
-int AppPlatformWin::runTool(const QStringList& switches, std::uint32_t timeout,
-                            std::uint32_t* exitCode)
+ProcessResult AppPlatformWin::runTool(const QStringList& switches, std::uint32_t timeout,
+                                      std::uint32_t* exitCode)
 {
     constexpr std::uint32_t noCreationFlags = 0;
     const QString& executable = host().executablePath;
     const QString folder = executable.left(executable.lastIndexOf(QLatin1Char('\\')));
-    return m_calls->runProcess(folder + QLatin1String("\\AppleSMC.exe"),
-                               switches.join(QLatin1Char(' ')), noCreationFlags, timeout, exitCode);
+    return runProcess(*m_calls, folder + QLatin1String("\\AppleSMC.exe"),
+                      switches.join(QLatin1Char(' ')), noCreationFlags, timeout, exitCode);
 }

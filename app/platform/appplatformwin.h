@@ -6,6 +6,7 @@
 #include "app/platform/appplatformspecific.h"
 
 class WindowsCalls;
+enum class ProcessResult : int;
 
 // Windows: the driver, where one is needed, is installed, tested and removed by
 // a tool that lies beside the executable.
@@ -27,9 +28,9 @@ private:
     void checkDriver();
     // The tool's switch for this machine's kind of driver, if it needs one.
     [[nodiscard]] QStringList driverVariant() const;
-    // As WindowsCalls::runProcess.
-    [[nodiscard]] int runTool(const QStringList& switches, std::uint32_t timeout,
-                              std::uint32_t* exitCode);
+    // As runProcess().
+    [[nodiscard]] ProcessResult runTool(const QStringList& switches, std::uint32_t timeout,
+                                        std::uint32_t* exitCode);
 
     const std::unique_ptr<WindowsCalls> m_calls;
     bool m_comInitialized = false;

@@ -1,62 +1,75 @@
 #include "app/platform/windowscalls.h"
 
-#include <algorithm>
 #include <string>
 
 #include <windows.h>
-// After windows.h, which it needs.
 #include <objbase.h>
 
-#include "core/log/log.h"
+#include "app/platform/processrun.h"
 
 namespace {
 
-constexpr std::size_t longestCommandLine = 2047; // characters
-
 static_assert(WindowsCalls::noTimeout == INFINITE);
-static_assert(WindowsCalls::TimedOut == WAIT_TIMEOUT);
-static_assert(WindowsCalls::WaitFailed == static_cast<int>(WAIT_FAILED));
 static_assert(WindowsCalls::comChangedMode == RPC_E_CHANGED_MODE);
+static_assert(ProcessResult::Ended == ProcessResult { WAIT_OBJECT_0 });
+static_assert(ProcessResult::TimedOut == ProcessResult { WAIT_TIMEOUT });
+static_assert(ProcessResult::WaitFailed == ProcessResult { static_cast<int>(WAIT_FAILED) });
 
-// The system shows the busy cursor for a new process until it takes a message.
-// Only a message to the thread itself is taken, none that a window waits for.
-void endBusyCursor()
-{
-    const auto threadMessagesOnly = reinterpret_cast<HWND>(INT_PTR { -1 });
-    MSG message {};
-    if (PostThreadMessageW(GetCurrentThreadId(), WM_NULL, 0, 0) != 0) {
-        GetMessageW(&message, threadMessagesOnly, 0, 0);
+class ProcessSystem final : public WindowsCalls::Process {
+public:
+    explicit ProcessSystem(HANDLE handle)
+        : m_handle(handle)
+    {
     }
-}
+    ~ProcessSystem() override { CloseHandle(m_handle); }
+
+    int wait(std::uint32_t timeout) override
+    {
+        return static_cast<int>(WaitForSingleObject(m_handle, timeout));
+    }
+
+    std::uint32_t exitCode() override
+    {
+        DWORD code = 0;
+        GetExitCodeProcess(m_handle, &code);
+        return code;
+    }
+
+private:
+    const HANDLE m_handle;
+};
 
 class WindowsCallsSystem final : public WindowsCalls {
 public:
-    int runProcess(const QString& program, const QString& arguments, std::uint32_t creationFlags,
-                   std::uint32_t timeout, std::uint32_t* exitCode) override
+    std::unique_ptr<Process> createProcess(const QString& program, const QString& commandLine,
+                                           std::uint32_t creationFlags) override
     {
-        // Where the command line alone names the program, the system looks for one
-        // at each blank of its path, "C:\Program.exe" first, and puts quotes round
-        // what it finds. With the path by itself nothing is looked for, and so the
-        // quotes, without which the program misreads its arguments, are put here.
         const std::wstring path = program.toStdWString();
-        std::wstring commandLine = L'"' + path + L"\" " + arguments.toStdWString();
-        commandLine.resize(std::min(commandLine.size(), longestCommandLine));
-
+        std::wstring writableLine = commandLine.toStdWString();
         STARTUPINFOW startup {};
         startup.cb = sizeof(startup);
         PROCESS_INFORMATION process {};
-        if (CreateProcessW(path.c_str(), commandLine.data(), nullptr, nullptr, FALSE, creationFlags,
-                           nullptr, nullptr, &startup, &process)
+        if (CreateProcessW(path.c_str(), writableLine.data(), nullptr, nullptr, FALSE,
+                           creationFlags, nullptr, nullptr, &startup, &process)
             == 0) {
-            const auto error = static_cast<int>(GetLastError());
-            LOG_ERR("{} can't be started: {}", program, qt_error_string(error));
-            return Ended;
+            m_lastError = static_cast<int>(GetLastError());
+            return nullptr;
         }
         CloseHandle(process.hThread);
-        const int result
-            = timeout == 0 ? NotAwaited : waitForProcess(process.hProcess, timeout, exitCode);
-        CloseHandle(process.hProcess);
-        return result;
+        return std::make_unique<ProcessSystem>(process.hProcess);
+    }
+
+    int lastError() override { return m_lastError; }
+
+    void endBusyCursor() override
+    {
+        // Only a message to the thread itself is taken, none that a window waits for.
+        const auto threadMessagesOnly = reinterpret_cast<HWND>(INT_PTR { -1 });
+        MSG message {};
+        // Taking one where none could be posted might wait for ever.
+        if (PostThreadMessageW(GetCurrentThreadId(), WM_NULL, 0, 0) != 0) {
+            GetMessageW(&message, threadMessagesOnly, 0, 0);
+        }
     }
 
     void showWarning(const QString& title, const QString& text) override
@@ -70,17 +83,7 @@ public:
     void uninitializeCom() override { CoUninitialize(); }
 
 private:
-    static int waitForProcess(HANDLE process, DWORD timeout, std::uint32_t* exitCode)
-    {
-        endBusyCursor();
-        const DWORD result = WaitForSingleObject(process, timeout);
-        if (exitCode != nullptr) {
-            DWORD code = 0;
-            GetExitCodeProcess(process, &code);
-            *exitCode = code;
-        }
-        return static_cast<int>(result);
-    }
+    int m_lastError = 0;
 };
 
 } // namespace

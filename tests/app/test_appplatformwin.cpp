@@ -17,7 +17,10 @@
 
 namespace {
 
-const QString tool = QStringLiteral("C:\\Program Files\\Brisora\\AppleSMC.exe");
+const QString toolPath = QStringLiteral("C:\\Program Files\\Brisora\\AppleSMC.exe");
+const QString tool = QLatin1Char('"') + toolPath + QLatin1Char('"');
+const QString waitOfTheInstall = QStringLiteral("wait 10000");
+const QString waitForEver = QStringLiteral("wait 4294967295");
 const QString title = QStringLiteral("Brisora 1.5.9");
 
 // A platform on a machine of the given model.
@@ -50,10 +53,14 @@ struct Machine {
     [[nodiscard]] QStringList commandLines() const
     {
         QStringList lines;
-        for (const auto& process : windows.processes) {
-            lines.append(process.commandLine);
+        for (const auto& start : windows.starts) {
+            lines.append(start.commandLine);
         }
         return lines;
+    }
+    [[nodiscard]] QStringList waits() const
+    {
+        return windows.calls.filter(QStringLiteral("wait "));
     }
 
     FakeMachineIdentity identity;
@@ -201,13 +208,14 @@ private Q_SLOTS:
 
         QTEST(machine.platform().startCheck(), "accepted");
 
-        const auto& processes = machine.windows.processes;
+        const auto& starts = machine.windows.starts;
         QCOMPARE(machine.commandLines(),
                  switches.isEmpty() ? QStringList() : QStringList { tool + switches });
-        if (!processes.isEmpty()) {
-            QCOMPARE(processes[0].creationFlags, 0U);
-            QCOMPARE(processes[0].timeout, init ? 10000U : 0xFFFFFFFFU);
-            QCOMPARE(processes[0].exitCodeAsked, !init);
+        if (!starts.isEmpty()) {
+            QCOMPARE(starts[0].program, toolPath);
+            QCOMPARE(starts[0].creationFlags, 0U);
+            QCOMPARE(machine.waits(), QStringList { init ? waitOfTheInstall : waitForEver });
+            QCOMPARE(machine.windows.calls.contains(QStringLiteral("exit code")), !init);
         }
         QCOMPARE(machine.windows.boxes.size(), 0);
         QCOMPARE(machine.windows.comInitialized, 1);
@@ -261,20 +269,24 @@ private Q_SLOTS:
 
     void onlyAFailedWaitOfTheInstallIsTold_data()
     {
-        QTest::addColumn<int>("result");
+        QTest::addColumn<bool>("canCreate");
+        QTest::addColumn<int>("waitResult");
         QTest::addColumn<bool>("told");
-        QTest::newRow("ended or not created") << 0 << false;
-        QTest::newRow("timed out") << 258 << false;
-        QTest::newRow("failed") << -1 << true;
+        QTest::newRow("not created") << false << -1 << false;
+        QTest::newRow("ended") << true << 0 << false;
+        QTest::newRow("timed out") << true << 258 << false;
+        QTest::newRow("failed") << true << -1 << true;
     }
 
     void onlyAFailedWaitOfTheInstallIsTold()
     {
-        QFETCH(int, result);
+        QFETCH(bool, canCreate);
+        QFETCH(int, waitResult);
         QFETCH(bool, told);
         Machine machine(QStringLiteral("MacBookPro15,1"));
         machine.switches = QStringList { QStringLiteral("/init") };
-        machine.windows.processResult = result;
+        machine.windows.canCreate = canCreate;
+        machine.windows.waitResult = waitResult;
 
         QVERIFY(!machine.platform().startCheck());
 
@@ -289,22 +301,26 @@ private Q_SLOTS:
 
     void onlyAFailedWaitOfTheTestIsTold_data()
     {
-        QTest::addColumn<int>("result");
+        QTest::addColumn<bool>("canCreate");
+        QTest::addColumn<int>("waitResult");
         QTest::addColumn<unsigned>("exitCode");
         QTest::addColumn<bool>("told");
-        QTest::newRow("ended, installed") << 0 << 1U << false;
-        QTest::newRow("ended, not installed") << 0 << 0U << false;
-        QTest::newRow("failed") << -1 << 0U << true;
-        QTest::newRow("failed, with an exit code") << -1 << 1U << false;
+        QTest::newRow("not created") << false << -1 << 0U << false;
+        QTest::newRow("ended, installed") << true << 0 << 1U << false;
+        QTest::newRow("ended, not installed") << true << 0 << 0U << false;
+        QTest::newRow("failed") << true << -1 << 0U << true;
+        QTest::newRow("failed, with an exit code") << true << -1 << 1U << false;
     }
 
     void onlyAFailedWaitOfTheTestIsTold()
     {
-        QFETCH(int, result);
+        QFETCH(bool, canCreate);
+        QFETCH(int, waitResult);
         QFETCH(unsigned, exitCode);
         QFETCH(bool, told);
         Machine machine(QStringLiteral("iMacPro1,1"));
-        machine.windows.processResult = result;
+        machine.windows.canCreate = canCreate;
+        machine.windows.waitResult = waitResult;
         machine.windows.exitCode = exitCode;
 
         QVERIFY(machine.platform().startCheck());
@@ -384,21 +400,20 @@ private Q_SLOTS:
                     .allKeys()
                     .isEmpty());
         QTEST(machine.commandLines(), "commandLines");
-        for (const auto& process : machine.windows.processes) {
-            QCOMPARE(process.timeout, 0xFFFFFFFFU);
-        }
+        QCOMPARE(machine.waits(),
+                 machine.windows.starts.isEmpty() ? QStringList() : QStringList { waitForEver });
         QCOMPARE(machine.windows.boxes.size(), 0);
     }
 
     void uninstallTakesAnyResultOfTheTool()
     {
         Machine machine(QStringLiteral("MacBookPro15,1"));
-        machine.windows.processResult = WindowsCalls::WaitFailed;
+        machine.windows.waitResult = -1;
         machine.windows.exitCode = 0;
 
         QVERIFY(machine.platform().uninstall());
 
-        QCOMPARE(machine.windows.processes.size(), 1);
+        QCOMPARE(machine.windows.starts.size(), 1);
         QCOMPARE(machine.windows.boxes.size(), 0);
     }
 

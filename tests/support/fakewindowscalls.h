@@ -9,24 +9,28 @@
 // record outlives the calls, which belong to the platform.
 class FakeWindowsCalls final : public WindowsCalls {
 public:
-    struct Process {
-        QString commandLine; // program and arguments, with a blank between them
+    struct Start {
+        QString program;
+        QString commandLine;
         std::uint32_t creationFlags = 0;
-        std::uint32_t timeout = 0;
-        bool exitCodeAsked = false;
     };
     struct Box {
         QString title;
         QString text;
     };
     struct Record {
-        QVector<Process> processes;
+        QVector<Start> starts; // also those that failed
+        // What has to do with processes, in its order: "create", "end busy cursor",
+        // "wait 1000", "exit code", "close".
+        QStringList calls;
         QVector<Box> boxes;
         int comInitialized = 0;
         int comUninitialized = 0;
 
         // The answers.
-        int processResult = Ended;
+        bool canCreate = true;
+        int error = 0;
+        int waitResult = 0;
         std::uint32_t exitCode = 1;
         std::int32_t comResult = 0;
     };
@@ -36,16 +40,17 @@ public:
     {
     }
 
-    int runProcess(const QString& program, const QString& arguments, std::uint32_t creationFlags,
-                   std::uint32_t timeout, std::uint32_t* exitCode) override
+    std::unique_ptr<Process> createProcess(const QString& program, const QString& commandLine,
+                                           std::uint32_t creationFlags) override
     {
-        m_record.processes.append({ program + QLatin1Char(' ') + arguments, creationFlags, timeout,
-                                    exitCode != nullptr });
-        if (exitCode != nullptr) {
-            *exitCode = m_record.exitCode;
-        }
-        return m_record.processResult;
+        m_record.starts.append({ program, commandLine, creationFlags });
+        m_record.calls.append(QStringLiteral("create"));
+        return m_record.canCreate ? std::make_unique<FakeProcess>(m_record) : nullptr;
     }
+
+    int lastError() override { return m_record.error; }
+
+    void endBusyCursor() override { m_record.calls.append(QStringLiteral("end busy cursor")); }
 
     void showWarning(const QString& title, const QString& text) override
     {
@@ -61,5 +66,29 @@ public:
     void uninitializeCom() override { ++m_record.comUninitialized; }
 
 private:
+    class FakeProcess final : public Process {
+    public:
+        explicit FakeProcess(Record& record)
+            : m_record(record)
+        {
+        }
+        ~FakeProcess() override { m_record.calls.append(QStringLiteral("close")); }
+
+        int wait(std::uint32_t timeout) override
+        {
+            m_record.calls.append(QStringLiteral("wait %1").arg(timeout));
+            return m_record.waitResult;
+        }
+
+        std::uint32_t exitCode() override
+        {
+            m_record.calls.append(QStringLiteral("exit code"));
+            return m_record.exitCode;
+        }
+
+    private:
+        Record& m_record;
+    };
+
     Record& m_record;
 };
