@@ -53,10 +53,14 @@ public:
     {
     }
 
-    [[nodiscard]] std::wstring text()
+    struct Box {
+        std::wstring text;
+        HICON icon = nullptr;
+    };
+    [[nodiscard]] Box box()
     {
         m_thread.join();
-        return m_text;
+        return m_box;
     }
 
 private:
@@ -66,7 +70,7 @@ private:
         for (DWORD waited = 0; waited < deadline; waited += pause) {
             const HWND box = FindWindowW(nullptr, title.c_str());
             if (box != nullptr && IsWindowVisible(box) != 0) {
-                m_text = textOf(box);
+                look(box);
                 PostMessageW(box, WM_COMMAND, IDOK, 0);
                 return;
             }
@@ -74,19 +78,22 @@ private:
         }
     }
 
-    // The field with the icon is of the same class, and has no text.
-    static std::wstring textOf(HWND box)
+    // The text and the icon have a field each, of the same class.
+    void look(HWND box)
     {
-        std::array<wchar_t, 200> text {};
         HWND field = nullptr;
-        do {
-            field = FindWindowExW(box, field, L"Static", nullptr);
-        } while (field != nullptr
-                 && GetWindowTextW(field, text.data(), static_cast<int>(text.size())) == 0);
-        return text.data();
+        while ((field = FindWindowExW(box, field, L"Static", nullptr)) != nullptr) {
+            if ((GetWindowLongW(field, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
+                m_box.icon = reinterpret_cast<HICON>(SendMessageW(field, STM_GETICON, 0, 0));
+            } else {
+                std::array<wchar_t, 200> text {};
+                GetWindowTextW(field, text.data(), static_cast<int>(text.size()));
+                m_box.text += text.data();
+            }
+        }
     }
 
-    std::wstring m_text;
+    Box m_box;
     std::thread m_thread;
 };
 
@@ -104,6 +111,17 @@ private:
             std::uint32_t* exitCode)
     {
         return static_cast<int>(runProcess(*m_calls, program, arguments, 0, timeout, exitCode));
+    }
+
+    static QVector<unsigned> takeThreadMessages()
+    {
+        const auto threadMessages = reinterpret_cast<HWND>(INT_PTR { -1 });
+        QVector<unsigned> taken;
+        MSG message {};
+        while (PeekMessageW(&message, threadMessages, 0, 0, PM_REMOVE) != 0) {
+            taken.append(message.message);
+        }
+        return taken;
     }
 
 private Q_SLOTS:
@@ -207,6 +225,28 @@ private Q_SLOTS:
         QCOMPARE(exitCode, 8U);
     }
 
+    void theBusyCursorEndsWithOneMessageOfTheThread_data()
+    {
+        using Messages = QVector<unsigned>;
+        QTest::addColumn<Messages>("waiting");
+        QTest::addColumn<Messages>("left");
+        QTest::newRow("none") << Messages {} << Messages {};
+        QTest::newRow("one") << Messages { WM_APP } << Messages { WM_NULL };
+        QTest::newRow("two") << Messages { WM_APP, WM_USER } << Messages { WM_USER, WM_NULL };
+    }
+    void theBusyCursorEndsWithOneMessageOfTheThread()
+    {
+        QFETCH(QVector<unsigned>, waiting);
+        QCOMPARE(takeThreadMessages(), QVector<unsigned>());
+        for (const unsigned message : waiting) {
+            QVERIFY(PostThreadMessageW(GetCurrentThreadId(), message, 0, 0) != 0);
+        }
+
+        m_calls->endBusyCursor();
+
+        QTEST(takeThreadMessages(), "left");
+    }
+
     void theMessagesOfWindowsStay()
     {
         const HWND window = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
@@ -214,13 +254,12 @@ private Q_SLOTS:
         QVERIFY(window != nullptr);
         QVERIFY(PostMessageW(window, WM_APP, 5, 6) != 0);
 
-        QCOMPARE(run(m_tool, QStringLiteral("exit 0"), WindowsCalls::noTimeout, nullptr), 0);
+        m_calls->endBusyCursor();
 
         MSG message {};
         QVERIFY(PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE) != 0);
         QCOMPARE(message.wParam, WPARAM { 5 });
-        const auto threadMessages = reinterpret_cast<HWND>(INT_PTR { -1 });
-        QVERIFY(PeekMessageW(&message, threadMessages, WM_NULL, WM_NULL, PM_REMOVE) == 0);
+        QCOMPARE(takeThreadMessages(), QVector<unsigned>());
         DestroyWindow(window);
     }
 
@@ -257,7 +296,12 @@ private Q_SLOTS:
         BoxAnswer answer(L"Brisora test 1.5.9");
         m_calls->showWarning(QStringLiteral("Brisora test 1.5.9"),
                              QString::fromUtf8("Kein Lüfter."));
-        QCOMPARE(QString::fromStdWString(answer.text()), QString::fromUtf8("Kein Lüfter."));
+        const auto box = answer.box();
+        QCOMPARE(QString::fromStdWString(box.text), QString::fromUtf8("Kein Lüfter."));
+        // The system's own icons are shared: each has one handle.
+        QVERIFY(box.icon != nullptr);
+        QCOMPARE(box.icon, LoadIconA(nullptr, IDI_WARNING));
+        QVERIFY(box.icon != LoadIconA(nullptr, IDI_ERROR));
     }
 };
 
