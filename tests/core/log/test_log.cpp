@@ -70,6 +70,23 @@ private Q_SLOTS:
         QCOMPARE(match.captured(5), QStringLiteral("Fan 1: Left side"));
     }
 
+    // On every system, byte by byte: no line end is made longer or shorter.
+    void linesEndWithCarriageReturnAndLineFeed()
+    {
+        QVERIFY(core::log::initLogger(m_path.toStdWString()));
+        LOG_INFO("one");
+        LOG_WARN("two");
+        LOG_ERR("three");
+        core::log::flush();
+
+        const QByteArray bytes = content();
+
+        QVERIFY2(bytes.endsWith("] three\r\n"), bytes.constData());
+        QCOMPARE(bytes.count("\r\n"), 3);
+        QCOMPARE(bytes.count('\r'), 3);
+        QCOMPARE(bytes.count('\n'), 3);
+    }
+
     void everyLevelIsWrittenAndNotNamed()
     {
         QVERIFY(core::log::initLogger(m_path.toStdWString()));
