@@ -13,35 +13,47 @@ function(brisora_compiler_library name result)
     set(${result} ${path} PARENT_SCOPE)
 endfunction()
 
-# Copies them into the folder of the target, once it is linked.
+# Puts them into this folder's binary folder, together with the target. Each build
+# brings back what has been deleted or is older than its source.
 function(brisora_complete_windows_folder target)
-    foreach(name Core Gui Widgets Network)
-        list(APPEND beside ${BRISORA_WINDOWS_SDK}/bin/Qt5${name}.dll)
-    endforeach()
-    set(plugins
-        platforms/qwindows.dll
-        styles/qwindowsvistastyle.dll
-        imageformats/qgif.dll
-        imageformats/qico.dll
-        imageformats/qjpeg.dll)
+    set(folder ${CMAKE_CURRENT_BINARY_DIR})
+    set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${folder})
 
-    set(commands COMMAND ${CMAKE_COMMAND} -E copy_if_different
-        ${beside} $<TARGET_FILE_DIR:${target}>)
-    foreach(plugin IN LISTS plugins)
-        get_filename_component(folder ${plugin} DIRECTORY)
-        list(APPEND commands
-            COMMAND ${CMAKE_COMMAND} -E make_directory $<TARGET_FILE_DIR:${target}>/${folder}
-            COMMAND ${CMAKE_COMMAND} -E copy_if_different
-                ${BRISORA_WINDOWS_SDK}/plugins/${plugin} $<TARGET_FILE_DIR:${target}>/${folder})
+    set(sources ${CMAKE_CURRENT_SOURCE_DIR}/windows/qt.conf)
+    set(files qt.conf)
+    foreach(name Core Gui Widgets Network)
+        list(APPEND sources ${BRISORA_WINDOWS_SDK}/bin/Qt5${name}.dll)
+        list(APPEND files Qt5${name}.dll)
     endforeach()
-    # Plugins are looked for here and nowhere else.
-    file(GENERATE OUTPUT $<TARGET_FILE_DIR:${target}>/qt.conf
-        CONTENT "[Paths]\nPrefix = .\nPlugins = .\n")
+    foreach(plugin
+            platforms/qwindows.dll
+            styles/qwindowsvistastyle.dll
+            imageformats/qgif.dll
+            imageformats/qico.dll
+            imageformats/qjpeg.dll)
+        list(APPEND sources ${BRISORA_WINDOWS_SDK}/plugins/${plugin})
+        list(APPEND files ${plugin})
+    endforeach()
+    list(TRANSFORM files PREPEND ${folder}/)
+    foreach(source file IN ZIP_LISTS sources files)
+        add_custom_command(
+            OUTPUT ${file}
+            COMMAND ${CMAKE_COMMAND} -E copy ${source} ${file}
+            DEPENDS ${source}
+            VERBATIM)
+    endforeach()
+
     # These come with what a debugger reads, which is most of them.
     foreach(name libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
         brisora_compiler_library(${name} path)
-        list(APPEND commands
-            COMMAND ${CMAKE_STRIP} -o $<TARGET_FILE_DIR:${target}>/${name} ${path})
+        add_custom_command(
+            OUTPUT ${folder}/${name}
+            COMMAND ${CMAKE_STRIP} -o ${folder}/${name} ${path}
+            DEPENDS ${path}
+            VERBATIM)
+        list(APPEND files ${folder}/${name})
     endforeach()
-    add_custom_command(TARGET ${target} POST_BUILD ${commands} VERBATIM)
+
+    add_custom_target(${target}_windows_folder DEPENDS ${files})
+    add_dependencies(${target} ${target}_windows_folder)
 endfunction()
