@@ -1,9 +1,36 @@
+#include <vector>
+
+#include <windows.h>
+
 #include <QApplication>
 
 #include "build_config.h"
 #include "core/application/file_version.h"
 #include "core/widgets/windowicon.h"
 #include "tests/support/testenvironment.h"
+
+namespace {
+
+// A text of the version resource, by its name.
+QString versionText(const QString& name)
+{
+    std::vector<wchar_t> path(MAX_PATH);
+    GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    DWORD ignored = 0;
+    std::vector<BYTE> resource(GetFileVersionInfoSizeW(path.data(), &ignored));
+    void* text = nullptr;
+    UINT length = 0;
+    const QString place = QStringLiteral("\\StringFileInfo\\040904B0\\") + name;
+    if (resource.empty()
+        || GetFileVersionInfoW(path.data(), 0, static_cast<DWORD>(resource.size()), resource.data())
+            == 0
+        || VerQueryValueW(resource.data(), place.toStdWString().c_str(), &text, &length) == 0) {
+        return {};
+    }
+    return QString::fromWCharArray(static_cast<const wchar_t*>(text));
+}
+
+} // namespace
 
 // What the program's file carries: tests are linked with the same resources.
 class ProgramResourcesTest : public QObject {
@@ -17,6 +44,19 @@ private Q_SLOTS:
         QCOMPARE(numbers[1], BuildConfig::versionMinor);
         QCOMPARE(numbers[2], BuildConfig::versionPatch);
         QCOMPARE(numbers[3], BuildConfig::versionBuild);
+    }
+
+    void theFilesTextsAreTheBuilds_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("ProductName") << QString::fromUtf8(BuildConfig::productName);
+        QTest::newRow("CompanyName") << QString::fromUtf8(BuildConfig::organizationName);
+        QTest::newRow("LegalCopyright") << QString::fromUtf8(BuildConfig::copyrightLine);
+        QTest::newRow("NoSuchText") << QString();
+    }
+    void theFilesTextsAreTheBuilds()
+    {
+        QTEST(versionText(QString::fromUtf8(QTest::currentDataTag())), "text");
     }
 
     void theIconHasItsFourSizes()
