@@ -34,6 +34,12 @@ target_compile_definitions(brisora_options INTERFACE
     QT_NO_FOREACH QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_DEPRECATED_WARNINGS
     $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+# Windows 7 is the oldest one. The linker writes the number of a much older one, for
+# which Windows changes what it tells and does.
+target_link_options(brisora_options INTERFACE
+    $<$<PLATFORM_ID:Windows>:
+        LINKER:--major-os-version=6,--minor-os-version=1
+        LINKER:--major-subsystem-version=6,--minor-subsystem-version=1>)
 target_include_directories(brisora_options INTERFACE ${PROJECT_SOURCE_DIR})
 
 if(BRISORA_SANITIZE)

@@ -59,6 +59,20 @@ private Q_SLOTS:
         QTEST(versionText(QString::fromUtf8(QTest::currentDataTag())), "text");
     }
 
+    // Windows starts no program that asks for a newer system, and treats one for an
+    // older system as old.
+    void theFileIsMadeForWindows7()
+    {
+        const auto* const start = reinterpret_cast<const BYTE*>(GetModuleHandleW(nullptr));
+        const auto* const program = reinterpret_cast<const IMAGE_DOS_HEADER*>(start);
+        const auto& header
+            = reinterpret_cast<const IMAGE_NT_HEADERS*>(start + program->e_lfanew)->OptionalHeader;
+        QCOMPARE(int { header.MajorSubsystemVersion }, 6);
+        QCOMPARE(int { header.MinorSubsystemVersion }, 1);
+        QCOMPARE(int { header.MajorOperatingSystemVersion }, 6);
+        QCOMPARE(int { header.MinorOperatingSystemVersion }, 1);
+    }
+
     void theIconHasItsFourSizes()
     {
         const QIcon icon = windowIcon();
