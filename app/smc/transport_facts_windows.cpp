@@ -3,7 +3,6 @@
 #include <string>
 
 #include <windows.h>
-// After windows.h, which they need.
 #include <softpub.h>
 #include <wintrust.h>
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include <windows.h>
-// After windows.h, which it needs.
 #include <wbemidl.h>
 
 #include "app/sysinfo/windowsrecords.h"

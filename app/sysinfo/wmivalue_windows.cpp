@@ -1,7 +1,6 @@
 #include "app/sysinfo/wmivalue.h"
 
 #include <windows.h>
-// After windows.h, which it needs.
 #include <oleauto.h>
 
 namespace WmiValue {

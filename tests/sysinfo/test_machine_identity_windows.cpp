@@ -1,7 +1,6 @@
 #include <thread>
 
 #include <windows.h>
-// After windows.h, which it needs.
 #include <objbase.h>
 
 #include <QCoreApplication>

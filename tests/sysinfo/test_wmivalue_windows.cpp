@@ -2,7 +2,6 @@
 #include <vector>
 
 #include <windows.h>
-// After windows.h, which it needs.
 #include <oleauto.h>
 
 #include <QCoreApplication>
