@@ -1,4 +1,6 @@
-#include "app/smc/port_driver.h"
+#include "app/smc/port_driver_windows.h"
+
+#include <string>
 
 #include <windows.h>
 #include <timeapi.h>
@@ -9,12 +11,43 @@ namespace {
 
 constexpr UINT finestResolution = 1; // milliseconds
 
+template <typename Function> Function* functionOf(HMODULE library, const char* name)
+{
+    const auto address = reinterpret_cast<void (*)()>(GetProcAddress(library, name));
+    return reinterpret_cast<Function*>(address);
+}
+
+// Windows 11 ignores a process's wish for a finer timer while its windows are
+// hidden. An older Windows never does, and refuses this or lacks the function.
+void keepTimerResolutionWhenHidden(HMODULE systemLibrary)
+{
+    const auto setProcessInformation
+        = functionOf<BOOL WINAPI(HANDLE, PROCESS_INFORMATION_CLASS, void*, DWORD)>(
+            systemLibrary, "SetProcessInformation");
+    if (setProcessInformation == nullptr) {
+        return;
+    }
+    PROCESS_POWER_THROTTLING_STATE state {};
+    state.Version = PROCESS_POWER_THROTTLING_CURRENT_VERSION;
+    state.ControlMask = PROCESS_POWER_THROTTLING_IGNORE_TIMER_RESOLUTION;
+    state.StateMask = 0;
+    setProcessInformation(GetCurrentProcess(), ProcessPowerThrottling, &state, sizeof(state));
+}
+
 class PortDriverWindows final : public PortDriver {
 public:
+    explicit PortDriverWindows(const wchar_t* systemLibrary)
+        : m_systemLibrary(systemLibrary)
+    {
+    }
+
     bool load() override
     {
         m_library = LoadLibraryW(L"inpout32.dll");
         m_error = GetLastError();
+        if (m_library != nullptr) {
+            keepTimerResolutionWhenHidden(GetModuleHandleW(m_systemLibrary.c_str()));
+        }
         return m_library != nullptr;
     }
 
@@ -60,12 +93,12 @@ public:
 private:
     template <typename Function> bool find(const char* name, Function*& function)
     {
-        const auto address = reinterpret_cast<void (*)()>(GetProcAddress(m_library, name));
+        function = functionOf<Function>(m_library, name);
         m_error = GetLastError();
-        function = reinterpret_cast<Function*>(address);
         return function != nullptr;
     }
 
+    const std::wstring m_systemLibrary;
     HMODULE m_library = nullptr;
     DWORD m_error = 0;
     BOOL(WINAPI* m_isInpOutDriverOpen)() = nullptr;
@@ -75,6 +108,11 @@ private:
 
 } // namespace
 
-std::unique_ptr<PortDriver> makePortDriver() { return std::make_unique<PortDriverWindows>(); }
+std::unique_ptr<PortDriver> makePortDriver() { return makePortDriver(L"kernel32.dll"); }
+
+std::unique_ptr<PortDriver> makePortDriver(const wchar_t* systemLibrary)
+{
+    return std::make_unique<PortDriverWindows>(systemLibrary);
+}
 
 } // namespace SMC
