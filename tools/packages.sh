@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the distribution's packages that are missing, group by group.
 #
-#   tools/packages.sh GROUP...      groups: build, display, checks, fuzz, vm,
+#   tools/packages.sh GROUP...      groups: build, display, images, checks, fuzz, vm,
 #                                           windows, windows-sdk
 #
 # Asks for root only when something is missing. Ends with 1, and says what is
@@ -12,6 +12,7 @@ declare -A groups=(
     [build]="g++ cmake python3 ninja-build ccache pkg-config qtbase5-dev qtbase5-dev-tools libspdlog-dev
              libfmt-dev libtinyxml2-dev zlib1g-dev libbz2-dev liblzma-dev"
     [display]="xvfb xdotool imagemagick fonts-dejavu-core"
+    [images]="librsvg2-bin imagemagick optipng fonts-dejavu-core"
     [checks]="git clang-format-14 clang-tidy-14 clang-14"
     [fuzz]="clang-14 libclang-rt-14-dev"
     [vm]="qemu-system-x86"

@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QImage>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
@@ -254,28 +253,6 @@ private Q_SLOTS:
                      QStringLiteral("MacPro7,1: Exhaust, Intake 1, Intake 2, Intake 3"),
                      QStringLiteral("iMac20,1;iMac20,2: Main"),
                  }));
-    }
-
-    void imagesHaveTheirSizes_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("size");
-        QTest::newRow("tray") << QStringLiteral("tray.png") << 16;
-        QTest::newRow("tray, double") << QStringLiteral("tray@2x.png") << 32;
-        QTest::newRow("icon 64") << QStringLiteral("icon_64.png") << 64;
-        QTest::newRow("icon 128") << QStringLiteral("icon_128.png") << 128;
-        QTest::newRow("icon 128, double") << QStringLiteral("icon_128@2x.png") << 256;
-    }
-    void imagesHaveTheirSizes()
-    {
-        QFETCH(QString, name);
-        QFETCH(int, size);
-        QImage image;
-        QVERIFY(image.loadFromData(contentOf(QStringLiteral(":/Resources/") + name)));
-        QCOMPARE(image.size(), QSize(size, size));
-        // The corners are transparent, the middle is not.
-        QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
-        QCOMPARE(qAlpha(image.pixel(size * 15 / 32, size / 2)), 255);
     }
 };
 
