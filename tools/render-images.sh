@@ -23,6 +23,25 @@ cd resources/images
 # Each image with its size, the scales at which it is needed, and its drawing. Scale
 # 2 is for dense screens and gets the suffix that Qt looks for.
 table="
+    airport                 16  1,2  airport
+    airport_big             32  1,2  airport_big
+    disc                    16  1,2  disc
+    disc_big                32  1,2  disc_big
+    drive                   16  1,2  drive
+    drive_big               32  1,2  drive_big
+    drive_nvme              16  1,2  drive_nvme
+    drive_nvme_big          32  1,2  drive_nvme_big
+    drive_ssd               16  1,2  drive_ssd
+    drive_ssd_big           32  1,2  drive_ssd_big
+    fan                     16  1,2  fan
+    fan_big                 32  1,2  fan_big
+    gpu                     16  1,2  gpu
+    gpu_big                 32  1,2  gpu_big
+    power-supply            16  1,2  power-supply
+    power-supply_big        32  1,2  power-supply_big
+    processor               16  1,2  processor
+    processor_big           32  1,2  processor_big
+
     tray                    16  1,2  tray
 
     icon_64                 64  1    icon

@@ -25,8 +25,26 @@ struct Listed {
 };
 
 constexpr std::array listedImages {
+    Listed { ":/Resources/airport.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/airport_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/disc.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/disc_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/drive.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/drive_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/drive_nvme.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/drive_nvme_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/drive_ssd.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/drive_ssd_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/fan.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/fan_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/gpu.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/gpu_big.png", 32, true, Shown::OnLightAndDark },
     Listed { ":/Resources/icon_64.png", 64, false, Shown::OnLightAndDark },
     Listed { ":/Resources/icon_128.png", 128, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/power-supply.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/power-supply_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/processor.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/processor_big.png", 32, true, Shown::OnLightAndDark },
     Listed { ":/Resources/tray.png", 16, true, Shown::OnLightAndDark },
 };
 
