@@ -42,7 +42,18 @@ table="
     processor               16  1,2  processor
     processor_big           32  1,2  processor_big
 
+    profiles_action         16  1,2  profiles_action
     tray                    16  1,2  tray
+    tray_grey               16  1,2  tray_grey
+    tray_white              16  1,2  tray_white
+    updatechecker/fixed     16  1,2  mark_fixed
+    updatechecker/improved  16  1,2  mark_improved
+    updatechecker/new       16  1,2  mark_new
+
+    preferences_general     32  1,2  preferences_general
+    preferences_menubar     32  1,2  preferences_menubar
+    preferences_sensors     32  1,2  preferences_sensors
+    warning                 32  1,2  warning
 
     icon_64                 64  1    icon
     icon_128               128  1,2  icon

@@ -43,9 +43,19 @@ constexpr std::array listedImages {
     Listed { ":/Resources/icon_128.png", 128, true, Shown::OnLightAndDark },
     Listed { ":/Resources/power-supply.png", 16, true, Shown::OnLightAndDark },
     Listed { ":/Resources/power-supply_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/preferences_general.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/preferences_menubar.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/preferences_sensors.png", 32, true, Shown::OnLightAndDark },
     Listed { ":/Resources/processor.png", 16, true, Shown::OnLightAndDark },
     Listed { ":/Resources/processor_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/profiles_action.png", 16, true, Shown::OnLightAndDark },
     Listed { ":/Resources/tray.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/tray_grey.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/tray_white.png", 16, true, Shown::OnDark },
+    Listed { ":/Resources/warning.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/UpdateChecker/fixed.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/UpdateChecker/improved.png", 16, true, Shown::OnLightAndDark },
+    Listed { ":/UpdateChecker/new.png", 16, true, Shown::OnLightAndDark },
 };
 
 QString doubleOf(QString path)
