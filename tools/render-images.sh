@@ -57,6 +57,8 @@ table="
 
     icon_64                 64  1    icon
     icon_128               128  1,2  icon
+    christmas_santa        256  1,2  christmas_santa
+    christmas_snowflake    192  1,2  christmas_snowflake
 "
 
 scratch=$(mktemp -d)

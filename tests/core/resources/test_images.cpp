@@ -27,6 +27,8 @@ struct Listed {
 constexpr std::array listedImages {
     Listed { ":/Resources/airport.png", 16, true, Shown::OnLightAndDark },
     Listed { ":/Resources/airport_big.png", 32, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/christmas_santa.png", 256, true, Shown::OnLightAndDark },
+    Listed { ":/Resources/christmas_snowflake.png", 192, true, Shown::OnLightAndDark },
     Listed { ":/Resources/disc.png", 16, true, Shown::OnLightAndDark },
     Listed { ":/Resources/disc_big.png", 32, true, Shown::OnLightAndDark },
     Listed { ":/Resources/drive.png", 16, true, Shown::OnLightAndDark },
