@@ -43,7 +43,7 @@ template <> struct fmt::formatter<QString> : fmt::formatter<std::string> {
 #define BRISORA_LOG_AT(logLevel, ...)                                                              \
     do {                                                                                           \
         if (const auto brisoraLogger = spdlog::get(core::log::loggerName)) {                       \
-            brisoraLogger->log(spdlog::source_loc { __FILE_NAME__, __LINE__, __func__ }, logLevel, \
+            brisoraLogger->log(spdlog::source_loc { __FILE_NAME__, __LINE__, "" }, logLevel,       \
                                __VA_ARGS__);                                                       \
         }                                                                                          \
     } while (false)
