@@ -171,7 +171,7 @@ for group in "${groups[@]}"; do
         *) echo "Unknown group: $group" >&2; exit 2 ;;
     esac
 done
-tools/packages.sh build display checks fuzz vm || { count "packages" 1; totals; exit 1; }
+tools/packages.sh build display dbus checks fuzz vm || { count "packages" 1; totals; exit 1; }
 for group in "${groups[@]}"; do
     "run_$group"
 done

@@ -1,6 +1,9 @@
 # The libraries that the programs use.
 
 find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Network Test)
+if(NOT WIN32)
+    find_package(Qt5 5.15 REQUIRED COMPONENTS DBus)
+endif()
 find_package(tinyxml2 REQUIRED)
 set(ZLIB_USE_STATIC_LIBS ${WIN32})
 find_package(ZLIB REQUIRED)

@@ -18,6 +18,9 @@ inline constexpr char smcDump[] = "smc-dump";
 // No access to the controller is attempted, and fan control stays off.
 // Nothing in this program sets it.
 inline constexpr char noSupport[] = "win-no-support";
+// The tray's menu offers no presets, as a build for monitoring only wants it.
+// Nothing in this program sets it.
+inline constexpr char noSmcWrite[] = "no-smc-write";
 // Write access was ensured after the start.
 inline constexpr char smcWriteInstalled[] = "smc-write-installed";
 

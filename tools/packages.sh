@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the distribution's packages that are missing, group by group.
 #
-#   tools/packages.sh GROUP...      groups: build, display, images, checks, fuzz, vm,
+#   tools/packages.sh GROUP...      groups: build, display, images, dbus, checks, fuzz, vm,
 #                                           windows, windows-sdk
 #
 # Asks for root only when something is missing. Ends with 1, and says what is
@@ -10,9 +10,10 @@ set -euo pipefail
 
 declare -A groups=(
     [build]="g++ cmake python3 ninja-build ccache pkg-config qtbase5-dev qtbase5-dev-tools libspdlog-dev
-             libfmt-dev libtinyxml2-dev zlib1g-dev libbz2-dev liblzma-dev"
+             libfmt-dev libtinyxml2-dev zlib1g-dev libbz2-dev liblzma-dev libsm-dev libice-dev"
     [display]="xvfb xdotool imagemagick fonts-dejavu-core"
     [images]="librsvg2-bin imagemagick optipng fonts-dejavu-core"
+    [dbus]="dbus-daemon python3-dbusmock"
     [checks]="git clang-format-14 clang-tidy-14 clang-14"
     [fuzz]="clang-14 libclang-rt-14-dev"
     [vm]="qemu-system-x86"

@@ -7,8 +7,10 @@
 
 #include "core/application/file_version.h"
 
+class ApplicationLook;
 class LanguageStrings;
 class QSettingsCache;
+class QSystemNotification;
 
 // The base of an application of this kit: version, settings and language. Lives
 // on the stack of main, used on the GUI thread; the settings and the language may
@@ -40,9 +42,14 @@ protected:
     // English from the resource; translations lie in the folder "languages"
     // beside the executable.
     void setDefaultLanguage(const QString& resourcePath);
+    // A language, as LanguageStrings::load takes it; windows are laid out in its
+    // direction.
+    void loadLanguage(const QString& name);
 
 private:
     std::unique_ptr<core::FileVersion> m_fileVersion;
+    std::unique_ptr<ApplicationLook> m_look; // null unless it follows the system's
+    std::unique_ptr<QSystemNotification> m_notification; // null unless it keeps following
     std::unique_ptr<QSettingsCache> m_settings;
     std::unique_ptr<LanguageStrings> m_language;
 };

@@ -38,6 +38,8 @@ public:
     [[nodiscard]] static QString getSystemLanguageFile();
     // The language's name in itself, or empty for an unknown one.
     [[nodiscard]] static QString nativeName(const QString& baseName);
+    // Whether the language is written from right to left.
+    [[nodiscard]] static bool isRightToLeft(const QString& baseName);
 
     // The texts of the application's own language object: the one that was made
     // active, or the key itself when there is none.

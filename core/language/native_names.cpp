@@ -67,3 +67,9 @@ QString LanguageStrings::nativeName(const QString& baseName)
     }
     return {};
 }
+
+bool LanguageStrings::isRightToLeft(const QString& baseName)
+{
+    return baseName == QLatin1String("Arabic") || baseName == QLatin1String("Hebrew")
+        || baseName == QLatin1String("Persian");
+}

@@ -5,6 +5,7 @@
 
 #include "core/latin1.h"
 #include "core/settings/qsettingscache.h"
+#include "core/system/sessionend.h"
 
 namespace {
 
@@ -15,13 +16,17 @@ constexpr QLatin1String stateKey = core::latin1("WindowState");
 
 QMainWindowEx::QMainWindowEx(QSettingsCache& settings, QWidget* parent)
     : QMainWindow(parent)
+    , m_sessionEnd(SessionEnd::shared())
     , m_settings(settings)
 {
     // A close that only hides the window must not stop the end of the session.
     QGuiApplication::setFallbackSessionManagementEnabled(false);
+    connect(m_sessionEnd.get(), &SessionEnd::ending, this, &QMainWindowEx::realClose);
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &QMainWindowEx::realClose);
 }
+
+QMainWindowEx::~QMainWindowEx() = default;
 
 void QMainWindowEx::realClose()
 {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <memory>
+
 #include <QMainWindow>
 
 class QSettingsCache;
+class SessionEnd;
 
 // A main window that persists its place, may hide instead of close, and closes
 // for real exactly once, after which the program ends.
@@ -12,6 +15,7 @@ class QMainWindowEx : public QMainWindow {
 public:
     // The settings must outlive the window.
     explicit QMainWindowEx(QSettingsCache& settings, QWidget* parent = nullptr);
+    ~QMainWindowEx() override;
 
     // Closes for real, whatever closeToTray says: from the program's own exit, the
     // end of the session, or the end of the event loop. Only the first call has
@@ -39,5 +43,6 @@ private:
 
     bool m_quitRequested = false;
     bool m_closed = false;
+    const std::shared_ptr<SessionEnd> m_sessionEnd;
     QSettingsCache& m_settings;
 };

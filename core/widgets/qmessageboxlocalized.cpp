@@ -61,6 +61,10 @@ int QMessageBoxLocalized::exec()
     if (parentWidget() == nullptr) {
         setWindowIcon(::windowIcon());
     }
+    if (buttons().isEmpty()) {
+        // Else the box adds its own, too late for a translation.
+        addButton(Ok);
+    }
     for (auto entry = buttonTexts().cbegin(); entry != buttonTexts().cend(); ++entry) {
         if (auto* standard = button(entry.key())) {
             standard->setText(entry.value());

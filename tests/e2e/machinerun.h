@@ -9,8 +9,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include "tests/e2e/processgroup.h"
 #include "tests/e2e/tracelog.h"
+#include "tests/support/processgroup.h"
 
 // One run of a command inside a simulated Mac, in a folder of its own. The
 // machine's folders stay between two starts of one object. Whatever was started

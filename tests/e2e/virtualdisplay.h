@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "tests/e2e/processgroup.h"
+#include "tests/support/processgroup.h"
 
 // A display of the test's own, on which boxes can be found and answered as a
 // person would. It is gone with this object.

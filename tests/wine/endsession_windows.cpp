@@ -1,7 +1,8 @@
 // Tells the running program that the session ends, as the system does at log-off,
 // but leaves it to the program to end: the system would soon terminate it, so that
 // its exit code and its last steps could not be seen. Ends with 0 when the program
-// agreed and has dealt with the end, with 1 when there is none or it did not.
+// agreed and has dealt with the end, or was gone by then; with 1 when there is none
+// or it did not.
 
 #include <string_view>
 
@@ -36,8 +37,11 @@ int main()
     HWND window = nullptr;
     EnumWindows(takeMainWindow, reinterpret_cast<LPARAM>(&window));
     DWORD_PTR agrees = 0;
+    if (window == nullptr || !send(window, WM_QUERYENDSESSION, 0, agrees) || agrees == 0) {
+        return 1;
+    }
+    // The program may close at the question already.
     DWORD_PTR ignored = 0;
-    const bool done = window != nullptr && send(window, WM_QUERYENDSESSION, 0, agrees)
-        && agrees != 0 && send(window, WM_ENDSESSION, TRUE, ignored);
+    const bool done = send(window, WM_ENDSESSION, TRUE, ignored) || IsWindow(window) == 0;
     return done ? 0 : 1;
 }

@@ -92,13 +92,14 @@ install_wine() {
 }
 
 # The user's own folders and menus stay out of it: a prefix starts with links to
-# them.
+# them. It is a Windows 10, of itself it would be a 7, which knows no looks.
 make_prefix() {
-    local prefix=$1 version link
-    version=$(wine --version 2> /dev/null) || fail "There is no Wine to make a prefix with; tools/windows/wine.sh installs it."
+    local prefix=$1 maker link
+    maker=$(wine --version 2> /dev/null) || fail "There is no Wine to make a prefix with; tools/windows/wine.sh installs it."
+    maker+=", as win10"
     if [ -f "$prefix/made-by" ]; then
         # Another Wine would change the prefix at every start of a copy.
-        [ "$(cat "$prefix/made-by")" != "$version" ] || return 0
+        [ "$(cat "$prefix/made-by")" != "$maker" ] || return 0
         rm -rf "$prefix"
     fi
     if [ -e "$prefix" ] && ! rmdir "$prefix" 2> /dev/null; then
@@ -111,6 +112,7 @@ make_prefix() {
     export WINEARCH=win32 WINEPREFIX=$unfinished_prefix WINEDEBUG=-all HOME=$scratch/home
     export WINEDLLOVERRIDES="winemenubuilder.exe=d;mscoree=d;mshtml=d"
     if ! env -u DISPLAY timeout --foreground 300 wineboot -i > "$scratch/wineboot.log" 2>&1 ||
+        ! env -u DISPLAY timeout --foreground 60 wine winecfg /v win10 >> "$scratch/wineboot.log" 2>&1 ||
         ! timeout --foreground 60 wineserver -w; then
         cat "$scratch/wineboot.log"
         fail "Wine can't make a prefix in $prefix"
@@ -119,7 +121,7 @@ make_prefix() {
         rm "$link"
         mkdir "$link"
     done
-    echo "$version" > "$WINEPREFIX/made-by"
+    echo "$maker" > "$WINEPREFIX/made-by"
     mv -T "$WINEPREFIX" "$prefix"
     unfinished_prefix=
 }

@@ -368,6 +368,30 @@ private Q_SLOTS:
         QCOMPARE(LanguageStrings::nativeName(baseName), native);
     }
 
+    void someLanguagesAreWrittenFromRightToLeft_data()
+    {
+        QTest::addColumn<QString>("baseName");
+        QTest::addColumn<bool>("rightToLeft");
+        const auto row = [](const char* baseName, bool rightToLeft) {
+            QTest::newRow(baseName) << QString::fromLatin1(baseName) << rightToLeft;
+        };
+        row("Arabic", true);
+        row("Hebrew", true);
+        row("Persian", true);
+        row("English", false);
+        row("German", false);
+        row("Turkish", false);
+        row("Japanese", false);
+        row("Hebrew.xml", false); // a file name
+        row("arabic", false);
+        row("", false);
+    }
+    void someLanguagesAreWrittenFromRightToLeft()
+    {
+        QFETCH(QString, baseName);
+        QTEST(LanguageStrings::isRightToLeft(baseName), "rightToLeft");
+    }
+
     void theActiveLanguageGivesTheTexts()
     {
         const QString key = QStringLiteral("Common/buttonOK");

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int patience = 20000; // milliseconds
+
 class TestWindow final : public QMainWindowEx {
 public:
     TestWindow(QSettingsCache& settings, bool toTray)
@@ -25,6 +27,7 @@ public:
     using QMainWindowEx::saveWindow;
 
     int closeCount = 0;
+    int hideCount = 0;
     bool throwOnce = false;
     QToolBar tools; // has a place in the window's state
 
@@ -40,6 +43,12 @@ protected:
         }
     }
 
+    void hideToTray() override
+    {
+        ++hideCount;
+        QMainWindowEx::hideToTray();
+    }
+
 private:
     const bool m_toTray;
 };
@@ -50,6 +59,9 @@ class MainWindowExTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // As the program does: its end is always explicit.
+    void initTestCase() { QApplication::setQuitOnLastWindowClosed(false); }
+
     void aPlainCloseHidesToTheTray();
     void withoutATrayACloseIsReal();
     void theRealCloseRunsOnce();
@@ -74,6 +86,7 @@ void MainWindowExTest::aPlainCloseHidesToTheTray()
     QVERIFY(!window.close());
 
     QVERIFY(!window.isVisible());
+    QCOMPARE(window.hideCount, 1);
     QCOMPARE(window.closeCount, 0);
 }
 
@@ -94,9 +107,10 @@ void MainWindowExTest::theRealCloseRunsOnce()
 
     window.realClose();
     window.realClose();
-    window.close();
+    QVERIFY(window.close());
 
     QCOMPARE(window.closeCount, 1);
+    QCOMPARE(window.hideCount, 0);
 }
 
 void MainWindowExTest::theRealCloseReachesAHiddenWindow()
@@ -113,6 +127,7 @@ void MainWindowExTest::theRealCloseEndsTheEventLoop()
     TestWindow window(m_settings, true);
     window.show();
     QTimer::singleShot(0, &window, [&window] { window.realClose(); });
+    QTimer::singleShot(patience, &window, [] { QApplication::exit(1); });
 
     QCOMPARE(QApplication::exec(), 0);
 

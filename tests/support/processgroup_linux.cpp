@@ -1,4 +1,4 @@
-#include "tests/e2e/processgroup.h"
+#include "tests/support/processgroup.h"
 
 #include <csignal>
 

@@ -1,0 +1,3 @@
+#include "core/application/applicationlook.h"
+
+QString systemLightStyle() { return {}; }
