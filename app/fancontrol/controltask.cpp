@@ -17,9 +17,11 @@ constexpr int tolerance = 30;
 
 } // namespace
 
-ControlTask::ControlTask(const EngineContext& context, ReloadRendezvous::Member& member)
+ControlTask::ControlTask(const EngineContext& context, ReloadRendezvous::Member& member,
+                         std::function<void()> parked)
     : m_context(context)
     , m_member(member)
+    , m_parked(std::move(parked))
     , m_watches(context.hardware.fanCount())
     , m_claims(context.hardware.claims())
 {
@@ -199,7 +201,10 @@ void ControlTask::sleepUntilWoken()
     // The wake event can be left over from an earlier sleep that ended before this
     // task had noticed it. A stop by itself doesn't end this wait: required.
     m_context.reload.park(m_member);
+    m_context.wake.reset();
     while (m_context.sleeping && !m_context.stop.isSet()) {
+        // Once more when the next sleep has begun right after the wake.
+        m_parked();
         m_context.clock.waitForEvents({ &m_context.wake }, false, core::threads::event::infinite);
         m_context.wake.reset();
     }

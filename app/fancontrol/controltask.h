@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -15,8 +16,10 @@ class TemperatureSensorAbstract;
 // that follow a sensor by the algorithm, and parks while the machine sleeps.
 class ControlTask {
 public:
-    // The references must outlive the object.
-    ControlTask(const EngineContext& context, ReloadRendezvous::Member& member);
+    // The references must outlive the object. parked is called, on the task's
+    // thread, whenever the fans are ready for the machine's sleep.
+    ControlTask(const EngineContext& context, ReloadRendezvous::Member& member,
+                std::function<void()> parked);
 
     // Returns when the context's stop event is set. The fans are then still as
     // the preset has them.
@@ -37,6 +40,7 @@ private:
 
     const EngineContext& m_context;
     ReloadRendezvous::Member& m_member;
+    const std::function<void()> m_parked;
     std::vector<SensorWatch> m_watches; // one per fan
     // Sensors that have stopped, by id, with the count of their reads by then; until
     // a reload. Whatever fan comes to follow one must not wait for it once more.

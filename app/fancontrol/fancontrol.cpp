@@ -3,15 +3,13 @@
 #include <exception>
 #include <utility>
 
-#include <build_config.h>
-
 #include <QScopeGuard>
 
 #include "app/fancontrol/controltask.h"
 #include "app/fancontrol/fanprofilelist.h"
+#include "app/fancontrol/techinfo.h"
 #include "app/fancontrol/updatetask.h"
 #include "app/sensors/tempsensorprovider.h"
-#include "app/sysinfo/sysinfo.h"
 #include "core/application_flags.h"
 #include "core/log/log.h"
 #include "core/threads/clock.h"
@@ -26,14 +24,6 @@ constexpr int stopInterval = 200;
 // How long the interface may stand still for tasks that don't pause;
 // milliseconds.
 constexpr std::uint32_t pauseTimeout = 8000;
-
-QString productAndVersion()
-{
-    return QStringLiteral("%1 %2.%3.%4")
-        .arg(QString::fromLatin1(BuildConfig::productName),
-             QString::number(BuildConfig::versionMajor), QString::number(BuildConfig::versionMinor),
-             QString::number(BuildConfig::versionPatch));
-}
 
 } // namespace
 
@@ -184,19 +174,19 @@ void QFanControl::setFanMode(std::uint8_t fan, const FanControlMode& mode, bool 
 
 QString QFanControl::getTechInfo() const
 {
-    const QString header
-        = QStringLiteral("%1 [Qt %2]\n%3\nCPU: %4 [%5 cores]\n%6")
-              .arg(productAndVersion(), QString::fromLatin1(qVersion()), m_systemInfo.machineName(),
-                   m_systemInfo.cpuName(), QString::number(m_systemInfo.coreCount()),
-                   m_systemInfo.osName());
     return QStringLiteral("%1\n\nFans:\n%2\n%3")
-        .arg(header, fansTechInfo(), m_sensorProvider->getTechInfo(&m_smc));
+        .arg(TechInfo::header(m_systemInfo, m_host.powerSource()), TechInfo::fans(m_hardware),
+             m_sensorProvider->getTechInfo(&m_smc));
 }
 
 void QFanControl::slotEnteringSleepMode()
 {
     m_sleeping = true;
     LOG_INFO("slotEnteringSleepMode");
+    // A control task that runs tells by itself when it has parked.
+    if (!m_ThreadControl.isRunning()) {
+        Q_EMIT sleepPrepared();
+    }
 }
 
 void QFanControl::slotWakeUp()
@@ -288,7 +278,7 @@ void QFanControl::updateThread()
 
 void QFanControl::controlFanSpeedThread()
 {
-    ControlTask task(m_context, m_controlMember);
+    ControlTask task(m_context, m_controlMember, [this] { Q_EMIT sleepPrepared(); });
     task.run();
     restoreDefaultControl();
 }
@@ -360,18 +350,4 @@ void QFanControl::reloadSensors()
 void QFanControl::postReloadRetry()
 {
     QMetaObject::invokeMethod(this, &QFanControl::retrySensorsReload, Qt::QueuedConnection);
-}
-
-QString QFanControl::fansTechInfo() const
-{
-    QString lines;
-    const std::vector<FanRecord>& fans = getFans();
-    for (std::size_t i = 0; i < fans.size(); ++i) {
-        const FanSpeeds speeds = fans[i].speeds();
-        lines += QStringLiteral("%1-min{%2}curr{%3}max{%4}mode{%5}\n")
-                     .arg(fans[i].name(), QString::number(speeds.min),
-                          QString::number(speeds.current), QString::number(speeds.max),
-                          getFanMode(static_cast<std::uint8_t>(i)).toString());
-    }
-    return lines;
 }

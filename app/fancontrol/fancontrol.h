@@ -14,6 +14,7 @@
 #include "app/fancontrol/fanprofile.h"
 #include "app/fancontrol/fanrecord.h"
 #include "app/fancontrol/reloadrendezvous.h"
+#include "core/system/powersource.h"
 #include "core/threads/event.h"
 #include "core/threads/task.h"
 
@@ -39,6 +40,7 @@ public:
         std::function<bool()> hasMainWindow;
         std::function<bool()> isMainWindowVisible; // called from any thread
         std::function<bool()> hasWriteAccess;
+        std::function<System::PowerSource()> powerSource = &getPowerSource;
     };
 
     // The references must outlive the engine. One engine at a time: it provides
@@ -91,6 +93,9 @@ Q_SIGNALS:
     // All sensors are about to go; the new ones are there.
     void sensorsReloadBegin();
     void sensorsReloadEnd();
+    // The fans are as the machine's sleep shall find them, after each
+    // slotEnteringSleepMode. May be emitted on the control task.
+    void sleepPrepared();
 
 public Q_SLOTS:
     void slotEnteringSleepMode();
@@ -120,7 +125,6 @@ private:
     void reloadSensors();
     void retrySensorsReload();
     void postReloadRetry();
-    [[nodiscard]] QString fansTechInfo() const;
 
     SMC::Service& m_smc;
     QSettingsCache& m_settings;

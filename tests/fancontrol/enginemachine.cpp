@@ -133,9 +133,9 @@ void EngineMachine::makeEngine()
     engine.reset();
     engine = std::make_unique<QFanControl>(
         *service, settings, systemInfo, clock,
-        QFanControl::Host { [this] { return hasWindow.load(); },
-                            [this] { return isVisible.load(); },
-                            [this] { return hasWriteAccess.load(); } });
+        QFanControl::Host {
+            [this] { return hasWindow.load(); }, [this] { return isVisible.load(); },
+            [this] { return hasWriteAccess.load(); }, [this] { return powerSource; } });
 }
 
 void EngineMachine::removeFans() { smc->setKey("FNum", "ui8 ", { 0 }); }

@@ -136,6 +136,7 @@ public:
     std::atomic<bool> hasWindow { true };
     std::atomic<bool> isVisible { true };
     std::atomic<bool> hasWriteAccess { true };
+    System::PowerSource powerSource = System::PowerSourceAC;
 
 private:
     QTemporaryDir m_folder;

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void theNameFunctionLivesAsLongAsTheEngine();
     void beforeTheLoadThereIsNothing();
     void theTechnicalReportHasItsForm();
+    void theTechnicalReportTellsThePowerOfLaptops_data();
+    void theTechnicalReportTellsThePowerOfLaptops();
     void fanIdsBeyondTheFansAreIgnored();
     void settingAnInvalidOrUnassignedModeIsIgnored_data();
     void settingAnInvalidOrUnassignedModeIsIgnored();
@@ -280,7 +282,7 @@ void EngineLoadTest::theTechnicalReportHasItsForm()
     machine.engine->setFanMode(1, FanControlMode::constant(3100), false);
 
     const QString expected
-        = QStringLiteral("Brisora 1.5.9 [Qt %1]\nMacBookPro11,3\nCPU: %2 [%3 cores]\n%4\n\n"
+        = QStringLiteral("Brisora 1.5.9 [Qt %1]\nMacBookPro11,3 [AC]\nCPU: %2 [%3 cores]\n%4\n\n"
                          "Fans:\n"
                          "Left-min{2000}curr{2500}max{6000}mode{0}\n"
                          "Right-min{2000}curr{3000}max{6000}mode{1,3100}\n"
@@ -289,6 +291,35 @@ void EngineLoadTest::theTechnicalReportHasItsForm()
                    QString::number(machine.systemInfo.coreCount()), machine.systemInfo.osName(),
                    machine.engine->sensorProvider()->getTechInfo(machine.service.get()));
     QCOMPARE(machine.engine->getTechInfo(), expected);
+}
+
+void EngineLoadTest::theTechnicalReportTellsThePowerOfLaptops_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<int>("source");
+    QTest::addColumn<QString>("line");
+    const auto row
+        = [](const char* name, const char* model, System::PowerSource source, const char* line) {
+              QTest::newRow(name) << QString(QLatin1String(model)) << int(source)
+                                  << QString(QLatin1String(line));
+          };
+    row("mains", "MacBookPro11,3", System::PowerSourceAC, "MacBookPro11,3 [AC]");
+    row("battery", "MacBookPro11,3", System::PowerSourceBattery, "MacBookPro11,3 [battery]");
+    row("unknown", "MacBookPro11,3", System::PowerSourceUnknown, "MacBookPro11,3 [unknown]");
+    row("Air", "MacBookAir7,2", System::PowerSourceBattery, "MacBookAir7,2 [battery]");
+    row("MacBook", "MacBook7,1", System::PowerSourceBattery, "MacBook7,1 [battery]");
+    row("no laptop", "Macmini7,1", System::PowerSourceAC, "Macmini7,1");
+    row("no laptop, iMac", "iMacPro1,1", System::PowerSourceUnknown, "iMacPro1,1");
+}
+
+void EngineLoadTest::theTechnicalReportTellsThePowerOfLaptops()
+{
+    QFETCH(QString, model);
+    QFETCH(int, source);
+    EngineMachine machine(model);
+    machine.powerSource = static_cast<System::PowerSource>(source);
+    machine.load();
+    QTEST(machine.engine->getTechInfo().section(QLatin1Char('\n'), 1, 1), "line");
 }
 
 void EngineLoadTest::fanIdsBeyondTheFansAreIgnored()
