@@ -17,12 +17,15 @@
 #include "app/sysinfo/machine_identity.h"
 #include "app/terminationsignals.h"
 #include "app/ui/fancontrolmainwindow.h"
+#include "app/ui/productpages.h"
+#include "app/ui/tray/trayplatform.h"
 #include "build_config.h"
 #include "core/application_flags.h"
 #include "core/language/languagestrings.h"
 #include "core/log/log.h"
 #include "core/log/log_file.h"
 #include "core/settings/qsettingscache.h"
+#include "core/system/qsystemnotification.h"
 #include "core/threads/clock.h"
 #include "core/widgets/qmessageboxlocalized.h"
 #include "core/widgets/windowicon.h"
@@ -102,6 +105,7 @@ QBrisoraApp::ExitCode QBrisoraApp::initialize()
     if (!m_platform->startCheck()) {
         return Refused;
     }
+    connectSystemNotification();
     setModelOptions();
     if (core::flags::isSet(core::flags::noSupport)) {
         return Success;
@@ -118,7 +122,7 @@ void QBrisoraApp::showControllerError()
     connect(
         copyButton, &QPushButton::clicked, &box, [this] { clipboard()->setText(readLog()); },
         Qt::DirectConnection);
-    box.addButton(QMessageBox::Ok);
+    box.setEscapeButton(box.addButton(QMessageBox::Ok));
     box.setIcon(QMessageBox::Warning);
     box.setInformativeText(QStringLiteral(
         "Please make sure that your Mac system is supported and you have correctly installed "
@@ -166,7 +170,7 @@ void QBrisoraApp::initSettings()
 void QBrisoraApp::initLanguage()
 {
     setDefaultLanguage(QStringLiteral(":/build/languages/English.xml"));
-    language()->load(settings()->getString(SettingsKeys::interfaceLanguage));
+    loadLanguage(settings()->getString(SettingsKeys::interfaceLanguage));
     const QString fileName = language()->getLanguageFileName();
     if (!fileName.isEmpty()) {
         settings()->setString(SettingsKeys::interfaceLanguage, fileName);
@@ -229,13 +233,42 @@ PlatformHost QBrisoraApp::makePlatformHost()
 
 void QBrisoraApp::createMainWindow()
 {
-    m_mainWindow = std::make_unique<QFanControlMainWindow>(
-        *m_fanControl, *settings(),
-        QFanControlMainWindow::Texts { productTitle(), m_systemInfo.machineName() },
-        [this] { return readLog(); });
-    if (!m_startMinimized && !core::flags::isSet(core::flags::firstStart)) {
+    m_mainWindow
+        = std::make_unique<QFanControlMainWindow>(*m_fanControl, *settings(), makeWindowHost());
+    if (core::flags::isSet(core::flags::firstStart)) {
+        return;
+    }
+    if (m_startMinimized) {
+        m_mainWindow->startHidden();
+    } else {
         m_mainWindow->show();
     }
+}
+
+MainWindowHost QBrisoraApp::makeWindowHost()
+{
+    MainWindowHost host;
+    host.productTitle = productTitle();
+    host.machineName = m_systemInfo.machineName();
+    host.isPassive = m_systemInfo.isPassive();
+    host.readLog = [this] { return readLog(); };
+    host.hasWriteAccess = [this] { return m_platform->hasWriteAccess(); };
+    host.installWriteAccess
+        = [this](QString& error) { return m_platform->installWriteAccess(error); };
+    host.showWriteAccessError = [this](const QString& error, QWidget* parent) {
+        m_platform->showWriteAccessError(error, parent);
+    };
+    host.preferences.isAutostart = [this] { return m_platform->isAutostart(); };
+    host.preferences.setAutostart = [this](bool enable) { m_platform->setAutostart(enable); };
+    host.preferences.language = [this]() -> const LanguageStrings& { return *language(); };
+    host.preferences.loadLanguage = [this](const QString& name) { loadLanguage(name); };
+    if (ProductPages::hasTranslationPage()) {
+        host.preferences.openTranslationPage = &ProductPages::openTranslationPage;
+    }
+    host.preferences.isEGpuCapable = m_systemInfo.isEGpuCapable();
+    host.isTrayAvailable = &isTrayAvailable;
+    host.makeTrayPlatform = &makeTrayPlatform;
+    return host;
 }
 
 std::unique_ptr<SMC::Service> QBrisoraApp::makeService()
@@ -253,6 +286,18 @@ std::unique_ptr<QFanControl> QBrisoraApp::makeEngine()
     host.hasWriteAccess = [this] { return m_platform->hasWriteAccess(); };
     return std::make_unique<QFanControl>(*m_smcService, *settings(), m_systemInfo,
                                          core::threads::Clock::system(), std::move(host));
+}
+
+void QBrisoraApp::connectSystemNotification()
+{
+    QFanControl* const engine = m_fanControl.get();
+    auto* const notification = new QSystemNotification(engine);
+    connect(notification, &QSystemNotification::enterSleepMode, engine,
+            &QFanControl::slotEnteringSleepMode);
+    connect(notification, &QSystemNotification::wakeUp, engine, &QFanControl::slotWakeUp);
+    connect(notification, &QSystemNotification::userLoggedOut, engine,
+            &QFanControl::slotUserLoggedOut);
+    connect(engine, &QFanControl::sleepPrepared, notification, &QSystemNotification::sleepPrepared);
 }
 
 void QBrisoraApp::terminate()

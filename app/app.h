@@ -9,9 +9,11 @@
 
 class AppPlatformSpecific;
 class MachineIdentity;
+struct MainWindowHost;
 struct PlatformHost;
 class QFanControl;
 class QFanControlMainWindow;
+class QSystemNotification;
 class TerminationSignals;
 
 namespace SMC {
@@ -70,11 +72,14 @@ private:
     void printSysInfo() const;
     void setModelOptions() const;
     [[nodiscard]] PlatformHost makePlatformHost();
+    [[nodiscard]] MainWindowHost makeWindowHost();
     // Makes the window, and shows it unless the program starts minimised or for the
     // first time.
     void createMainWindow();
     [[nodiscard]] std::unique_ptr<SMC::Service> makeService();
     [[nodiscard]] std::unique_ptr<QFanControl> makeEngine();
+    // Lets the engine hear of sleep, wake and log-off.
+    void connectSystemNotification();
     void terminate();
 
     const std::unique_ptr<MachineIdentity> m_identity;

@@ -1,10 +1,21 @@
 #include "app/platform/appplatformlinux.h"
 
+#include <utility>
+
+#include <QStandardPaths>
+
 #include "app/platform/startchecks.h"
 #include "app/sysinfo/sysinfo.h"
 #include "core/application_flags.h"
 #include "core/settings/qsettingscache.h"
 #include "core/widgets/qmessageboxlocalized.h"
+
+AppPlatformLinux::AppPlatformLinux(PlatformHost platformHost)
+    : AppPlatformSpecific(std::move(platformHost))
+    , m_autostart(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
+                  host().executablePath)
+{
+}
 
 bool AppPlatformLinux::startCheck()
 {
@@ -15,6 +26,9 @@ bool AppPlatformLinux::startCheck()
         return false;
     }
 
+    if (core::flags::isSet(core::flags::firstStart)) {
+        setAutostart(true);
+    }
     StartChecks::applyCommandLineOptions(host().arguments, host().isStartMinimized());
     if (host().systemInfo.needsMmioDriver()) {
         StartChecks::applyDriverOptions(host().systemInfo);
@@ -28,6 +42,7 @@ void AppPlatformLinux::createMainWindow() { host().createMainWindow(); }
 bool AppPlatformLinux::uninstall()
 {
     host().settings.removeStorage();
+    setAutostart(false);
     return true;
 }
 

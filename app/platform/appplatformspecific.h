@@ -20,6 +20,10 @@ public:
     [[nodiscard]] virtual bool startCheck() = 0;
     // Makes the main window, and shows it unless it is to start hidden.
     virtual void createMainWindow() = 0;
+    // The start of the program, minimised, when the user logs on. What fails is told
+    // to the user, or in the log; isAutostart() tells what came of it.
+    virtual void setAutostart(bool enable) = 0;
+    [[nodiscard]] virtual bool isAutostart() const = 0;
     // Removes everything that the program keeps on this account.
     virtual bool uninstall() = 0;
     // The log's path beside the executable.

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/platform/autostartcalls.h"
 #include "app/platform/processrun.h"
 #include "app/platform/startchecks.h"
 #include "app/platform/windowscalls.h"
@@ -16,9 +17,13 @@ constexpr std::uint32_t installTimeout = 10000; // milliseconds
 
 } // namespace
 
-AppPlatformWin::AppPlatformWin(PlatformHost host, std::unique_ptr<WindowsCalls> calls)
-    : AppPlatformSpecific(std::move(host))
+AppPlatformWin::AppPlatformWin(PlatformHost platformHost, std::unique_ptr<WindowsCalls> calls,
+                               std::unique_ptr<AutostartCalls> autostartCalls)
+    : AppPlatformSpecific(std::move(platformHost))
     , m_calls(std::move(calls))
+    , m_autostart(
+          std::move(autostartCalls), host().executablePath,
+          [this](const QString& title, const QString& text) { m_calls->showWarning(title, text); })
 {
 }
 
@@ -37,6 +42,9 @@ bool AppPlatformWin::startCheck()
         return false;
     }
     initializeCom();
+    if (core::flags::isSet(core::flags::firstStart)) {
+        setAutostart(true);
+    }
 
     StartChecks::applyCommandLineOptions(host().arguments, host().isStartMinimized());
     const bool isInstallerRun = host().arguments.contains(QLatin1String("/init"));
@@ -57,6 +65,11 @@ void AppPlatformWin::createMainWindow() { host().createMainWindow(); }
 bool AppPlatformWin::uninstall()
 {
     host().settings.removeStorage();
+    // There was no start check that has taken COM.
+    if (!m_comInitialized) {
+        initializeCom();
+    }
+    setAutostart(false);
     if (host().systemInfo.needsMmioDriver()) {
         // What the tool could not remove doesn't hold the removal up.
         (void)runTool(QStringList { QStringLiteral("/uninstall") } + driverVariant(),

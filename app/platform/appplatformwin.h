@@ -4,7 +4,9 @@
 #include <memory>
 
 #include "app/platform/appplatformspecific.h"
+#include "app/platform/autostartwin.h"
 
+class AutostartCalls;
 class WindowsCalls;
 enum class ProcessResult : int;
 
@@ -12,12 +14,15 @@ enum class ProcessResult : int;
 // a tool that lies beside the executable.
 class AppPlatformWin final : public AppPlatformSpecific {
 public:
-    AppPlatformWin(PlatformHost host, std::unique_ptr<WindowsCalls> calls);
+    AppPlatformWin(PlatformHost host, std::unique_ptr<WindowsCalls> calls,
+                   std::unique_ptr<AutostartCalls> autostartCalls);
     // Gives COM back if the start check has taken it.
     ~AppPlatformWin() override;
 
     bool startCheck() override;
     void createMainWindow() override;
+    void setAutostart(bool enable) override { m_autostart.setEnabled(enable); }
+    bool isAutostart() const override { return m_autostart.isEnabled(); }
     bool uninstall() override;
     QString logFilePath() const override;
     bool hasWriteAccess() const override;
@@ -33,5 +38,6 @@ private:
                                         std::uint32_t* exitCode);
 
     const std::unique_ptr<WindowsCalls> m_calls;
+    AutostartWin m_autostart;
     bool m_comInitialized = false;
 };

@@ -9,6 +9,7 @@
 #include "app/sysinfo/sysinfo.h"
 #include "core/application_flags.h"
 #include "core/settings/qsettingscache.h"
+#include "tests/support/fakeautostartcalls.h"
 #include "tests/support/fakemachineidentity.h"
 #include "tests/support/fakewindowscalls.h"
 #include "tests/support/logcapture.h"
@@ -44,7 +45,8 @@ struct Machine {
                     .productTitle = title,
                     .isStartMinimized = [this] { return minimized; },
                     .createMainWindow = [this] { ++windowCount; } },
-                std::make_unique<FakeWindowsCalls>(windows));
+                std::make_unique<FakeWindowsCalls>(windows),
+                std::make_unique<FakeAutostartCalls>(autostart));
         }
         return *m_platform;
     }
@@ -70,6 +72,7 @@ struct Machine {
     bool minimized = false;
     int windowCount = 0;
     FakeWindowsCalls::Record windows;
+    FakeAutostartCalls::Record autostart;
 
 private:
     std::optional<AppPlatformWin> m_platform;
@@ -371,6 +374,35 @@ private Q_SLOTS:
         machine.end();
         QCOMPARE(machine.windows.comInitialized, 0);
         QCOMPARE(machine.windows.comUninitialized, 0);
+    }
+
+    void theFirstStartSwitchesTheAutostartOn_data()
+    {
+        QTest::addColumn<bool>("first");
+        QTest::newRow("first") << true;
+        QTest::newRow("later") << false;
+    }
+    void theFirstStartSwitchesTheAutostartOn()
+    {
+        QFETCH(bool, first);
+        Machine machine(QStringLiteral("MacBookPro11,3"));
+        if (first) {
+            core::flags::set(core::flags::firstStart);
+        }
+        QVERIFY(machine.platform().startCheck());
+        core::flags::clear(core::flags::firstStart);
+        QCOMPARE(machine.platform().isAutostart(), first);
+    }
+
+    void uninstallRemovesTheAutostart()
+    {
+        Machine machine(QStringLiteral("MacBookPro11,3"));
+        machine.platform().setAutostart(true);
+        QVERIFY(machine.platform().isAutostart());
+        QVERIFY(machine.platform().uninstall());
+        QVERIFY(!machine.platform().isAutostart());
+        // The scheduler needs it.
+        QCOMPARE(machine.windows.comInitialized, 1);
     }
 
     void uninstallRemovesSettingsAndDriver_data()

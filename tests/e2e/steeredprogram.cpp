@@ -9,7 +9,10 @@
 #include <QElapsedTimer>
 #include <QSocketNotifier>
 #include <QStringList>
+#include <QTableView>
 #include <QTimer>
+#include <QToolButton>
+#include <QWindow>
 
 #include "app/app.h"
 #include "app/fancontrol/fancontrol.h"
@@ -76,6 +79,9 @@ public:
         if (verb == QLatin1String("sensors")) {
             return sensors();
         }
+        if (verb == QLatin1String("report")) {
+            return m_engine.getTechInfo().replace(QLatin1Char('\n'), QLatin1Char(';'));
+        }
         if (verb == QLatin1String("stall")) {
             return QString::number(m_watch.take());
         }
@@ -86,6 +92,12 @@ public:
         if (verb == QLatin1String("wake")) {
             m_engine.slotWakeUp();
             return QStringLiteral("ok");
+        }
+        if (verb == QLatin1String("where")) {
+            return where(words.value(1), words.mid(2));
+        }
+        if (verb == QLatin1String("shows")) {
+            return shows(words.value(1));
         }
         if (verb == QLatin1String("exit")) {
             QTimer::singleShot(0, m_application.mainWindow(), &QFanControlMainWindow::slotExit);
@@ -154,6 +166,54 @@ private:
             parts.append(sensor->key() + QLatin1Char(' ') + sensor->displayName());
         }
         return parts.join(QLatin1Char(';'));
+    }
+
+    // A visible widget by its object name, or null.
+    static QWidget* visibleWidget(const QString& name)
+    {
+        const QWidgetList all = QApplication::allWidgets();
+        const auto found = std::find_if(all.begin(), all.end(), [&name](const QWidget* widget) {
+            return widget->objectName() == name && widget->isVisible();
+        });
+        return found != all.end() ? *found : nullptr;
+    }
+
+    // The centre, as "x y" of the display, of a widget that takes clicks now.
+    // "segment FAN NUMBER" is a segment of the fan's control.
+    static QString where(const QString& name, const QStringList& numbers)
+    {
+        const QWidget* widget = visibleWidget(name);
+        if (name == QLatin1String("segment")) {
+            const auto* const fans
+                = qobject_cast<QTableView*>(visibleWidget(QStringLiteral("tableFans")));
+            const auto* const cell = fans != nullptr
+                ? fans->indexWidget(fans->model()->index(numbers.value(0).toInt(), 2))
+                : nullptr;
+            widget = cell != nullptr
+                ? cell->findChildren<QToolButton*>().value(numbers.value(1).toInt())
+                : nullptr;
+        }
+        if (widget == nullptr || !widget->isVisible() || !widget->isEnabled()
+            || !widget->window()->windowHandle()->isExposed()) {
+            return QStringLiteral("none");
+        }
+        // A wide button takes clicks on what it shows only, which stands at its left.
+        const int shownWidth = std::min(widget->width(), widget->sizeHint().width());
+        const QPoint centre
+            = widget->mapToGlobal(QPoint(shownWidth / 2, widget->rect().center().y()));
+        return QStringLiteral("%1 %2").arg(QString::number(centre.x()),
+                                           QString::number(centre.y()));
+    }
+
+    // What a visible button, label or box shows.
+    static QString shows(const QString& name)
+    {
+        const QWidget* const widget = visibleWidget(name);
+        const QVariant text = widget != nullptr
+            ? (widget->property("currentText").isValid() ? widget->property("currentText")
+                                                         : widget->property("text"))
+            : QVariant();
+        return text.isValid() ? text.toString() : QStringLiteral("none");
     }
 
     QBrisoraApp& m_application;

@@ -4,9 +4,12 @@
 
 #include <QClipboard>
 #include <QDialog>
+#include <QMainWindow>
+#include <QScreen>
 #include <QWindow>
 #include <QtTest>
 
+#include "app/settingskeys.h"
 #include "core/application_flags.h"
 #include "tests/support/modalboxdriver.h"
 #include "tests/support/testenvironment.h"
@@ -27,6 +30,11 @@ private Q_SLOTS:
 
     void isShownFollowsTheWindow();
     void aMinimisedWindowHides();
+    void withoutATrayTheWindowStaysReachable();
+    void aHiddenStartNeedsATray_data();
+    void aHiddenStartNeedsATray();
+    void theWindowComesBackOnAScreenThatExists();
+    void theMinimiseButtonPutsTheWindowAway();
     void aPlainCloseLeavesTheEngineRunning();
     void restoreShowsAHiddenWindow();
     void restoreClosesAnOpenDialog_data();
@@ -76,6 +84,50 @@ void MainWindowLifeTest::aMinimisedWindowHides()
     QVERIFY(window.isShown());
 }
 
+void MainWindowLifeTest::withoutATrayTheWindowStaysReachable()
+{
+    WindowBench bench;
+    bench.hasTray = false;
+    auto& window = bench.make();
+    window.show();
+    QVERIFY(window.isShown());
+
+    QVERIFY(!window.close());
+
+    QVERIFY(window.isVisible());
+    QVERIFY(window.isMinimized());
+    QVERIFY(!window.isShown()); // nothing is read for it
+    window.slotRestore();
+    QVERIFY(!window.isMinimized());
+    QVERIFY(window.isShown());
+
+    // Asked anew at each close.
+    bench.hasTray = true;
+    QVERIFY(!window.close());
+    QVERIFY(!window.isVisible());
+}
+
+void MainWindowLifeTest::aHiddenStartNeedsATray_data()
+{
+    QTest::addColumn<bool>("hasTray");
+    QTest::newRow("tray") << true;
+    QTest::newRow("no tray") << false;
+}
+
+void MainWindowLifeTest::aHiddenStartNeedsATray()
+{
+    QFETCH(bool, hasTray);
+    WindowBench bench;
+    bench.hasTray = hasTray;
+    auto& window = bench.make();
+
+    window.startHidden();
+
+    QCOMPARE(window.isVisible(), !hasTray);
+    QCOMPARE(window.isMinimized(), !hasTray);
+    QVERIFY(!window.isShown());
+}
+
 void MainWindowLifeTest::aPlainCloseLeavesTheEngineRunning()
 {
     WindowBench bench;
@@ -85,8 +137,7 @@ void MainWindowLifeTest::aPlainCloseLeavesTheEngineRunning()
     QVERIFY(!window.isShown());
     QVERIFY(!bench.machine.log.contains(endedWell));
     bench.machine.smc->setFanSpeed("F1Ac", 3200);
-    QTRY_VERIFY(bench.letTimePass()
-                && bench.fans()->item(1, 1)->text() == QLatin1String("2000 / 3200 / 6000"));
+    QTRY_VERIFY(bench.letTimePass() && bench.rpmText(1) == QStringLiteral("2000 — 3200 — 6000"));
 }
 
 void MainWindowLifeTest::restoreShowsAHiddenWindow()
@@ -171,7 +222,7 @@ void MainWindowLifeTest::aLoadThatEndsAfterTheExitStartsNothing()
     window.slotInitFinished(0);
     window.slotInitFinished(1);
 
-    QCOMPARE(bench.fans()->rowCount(), 0);
+    QCOMPARE(bench.fans()->model()->rowCount(), 0);
     QVERIFY(!window.isVisible());
     QCOMPARE(bench.machine.clock.waitsBegun(), 0);
     QCOMPARE(driver.boxCount(), 0);
@@ -222,7 +273,7 @@ void MainWindowLifeTest::aFailedLoadIsToldAndEndsTheProgram()
     QCOMPARE(QApplication::clipboard()->text(),
              bench.machine.engine->getTechInfo() + QStringLiteral("\nLog:\n\n") + logText);
     QVERIFY(!window.isVisible());
-    QCOMPARE(bench.fans()->rowCount(), 0);
+    QCOMPARE(bench.fans()->model()->rowCount(), 0);
     QCOMPARE(bench.machine.clock.waitsBegun(), 0);
 }
 
@@ -241,9 +292,11 @@ void MainWindowLifeTest::theFirstShowHasRoomForEverySensor()
     QTRY_VERIFY(window.isVisible());
 
     const auto* sensors = bench.sensors();
-    QVERIFY2(sensors->rowCount() > 10, qPrintable(QString::number(sensors->rowCount())));
+    QVERIFY2(sensors->model()->rowCount() > 10,
+             qPrintable(QString::number(sensors->model()->rowCount())));
     QVERIFY(window.height() > heightBefore);
-    QTRY_VERIFY(sensors->viewport()->height() >= sensors->rowCount() * sensors->rowHeight(0));
+    QTRY_VERIFY(sensors->viewport()->height()
+                >= sensors->model()->rowCount() * sensors->rowHeight(0));
     QCOMPARE(window.windowOpacity(), 1.0);
     QVERIFY(window.isShown());
 }
@@ -258,7 +311,34 @@ void MainWindowLifeTest::theFirstShowDoesNotShrink()
     QTRY_VERIFY(window.isVisible());
 
     QCOMPARE(window.height(), 600);
-    QCOMPARE(bench.sensors()->rowCount(), 3);
+    QCOMPARE(bench.sensors()->model()->rowCount(), 3);
+}
+
+void MainWindowLifeTest::theWindowComesBackOnAScreenThatExists()
+{
+    WindowBench bench;
+    {
+        QMainWindow elsewhere;
+        elsewhere.setGeometry(9000, 7000, 900, 400);
+        bench.machine.settings.setByteArray(SettingsKeys::windowGeometry, elsewhere.saveGeometry());
+        bench.machine.settings.setByteArray(SettingsKeys::windowState, elsewhere.saveState());
+    }
+
+    auto& window = bench.make();
+    window.show();
+
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QVERIFY2(screen.contains(window.geometry().center()),
+             qPrintable(QStringLiteral("%1,%2").arg(window.x()).arg(window.y())));
+}
+
+void MainWindowLifeTest::theMinimiseButtonPutsTheWindowAway()
+{
+    WindowBench bench;
+    auto& window = bench.make();
+    window.show();
+    QTest::mouseClick(bench.find<QPushButton>("buttonMinimize"), Qt::LeftButton);
+    QVERIFY(!window.isVisible());
 }
 
 BRISORA_TEST_MAIN(MainWindowLifeTest, QApplication)
