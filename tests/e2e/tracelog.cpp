@@ -114,13 +114,13 @@ LineTest readTemperature()
     };
 }
 
-LineTest usedFanKey()
+LineTest readOrWroteFanKey()
 {
     return [](const TraceLine& line) {
         const bool isFans = line.key == "FNum" || line.key == "FS! ";
         const bool isFan = line.key.size() == 4 && line.key[0] == 'F' && line.key[1] >= '0'
             && line.key[1] <= '9';
-        return line.kind != Kind::Index && (isFans || isFan);
+        return (line.kind == Kind::Read || line.kind == Kind::Write) && (isFans || isFan);
     };
 }
 

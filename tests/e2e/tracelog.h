@@ -43,8 +43,8 @@ namespace trace {
 [[nodiscard]] LineTest wroteMask(int mask);
 // Any temperature.
 [[nodiscard]] LineTest readTemperature();
-// Any fan key, whatever was done to it.
-[[nodiscard]] LineTest usedFanKey();
+// Any fan key.
+[[nodiscard]] LineTest readOrWroteFanKey();
 // Any access to the controller.
 [[nodiscard]] LineTest usedController();
 // What the program does at its start alone.

@@ -73,10 +73,28 @@ QString VirtualDisplay::findWindow(const QString& title) const
     return {};
 }
 
-bool VirtualDisplay::acceptBox() const
+bool VirtualDisplay::acceptBox() const { return pressKeys({ QStringLiteral("Return") }); }
+
+bool VirtualDisplay::click(const QPoint& place) const
 {
     QString ignored;
-    return runTool(windowTool, { QStringLiteral("key"), QStringLiteral("Return") }, ignored);
+    return runTool(windowTool,
+                   { QStringLiteral("mousemove"), QStringLiteral("--sync"),
+                     QString::number(place.x()), QString::number(place.y()),
+                     QStringLiteral("click"), QStringLiteral("1") },
+                   ignored);
+}
+
+bool VirtualDisplay::pressKeys(const QStringList& keys) const
+{
+    QString ignored;
+    return runTool(windowTool, QStringList { QStringLiteral("key") } + keys, ignored);
+}
+
+bool VirtualDisplay::type(const QString& text) const
+{
+    QString ignored;
+    return runTool(windowTool, { QStringLiteral("type"), text }, ignored);
 }
 
 bool VirtualDisplay::saveScreenshot(const QString& window, const QString& file) const

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QPoint>
 #include <QString>
+#include <QStringList>
 
 #include "tests/support/processgroup.h"
 
@@ -20,6 +22,11 @@ public:
     [[nodiscard]] QString findWindow(const QString& title) const;
     // Presses the default button of the box in front.
     [[nodiscard]] bool acceptBox() const;
+    // Presses the left button of the mouse at a place of the display, and keys as
+    // the window tool names them ("Down", "Return", "ctrl+a"); types a text.
+    [[nodiscard]] bool click(const QPoint& place) const;
+    [[nodiscard]] bool pressKeys(const QStringList& keys) const;
+    [[nodiscard]] bool type(const QString& text) const;
     // A picture of the window, which the file's ending gives its format.
     [[nodiscard]] bool saveScreenshot(const QString& window, const QString& file) const;
 

@@ -11,6 +11,7 @@ private Q_SLOTS:
     void initTestCase();
 
     void the_end_of_the_session_leaves_everything_in_order();
+    void the_end_of_the_session_reaches_a_program_that_was_never_shown();
     void a_log_off_that_terminates_the_program_gives_the_fans_back();
 
 private:
@@ -60,10 +61,26 @@ void TestWineEnds::the_end_of_the_session_leaves_everything_in_order()
         QVERIFY2(lines.at(line).contains(QRegularExpression(QLatin1String(pattern))),
                  qPrintable(lines.at(line)));
     }
+    // The log-off is known before the fans are given back.
+    QVERIFY(log.contains("slotUserLoggedOut"));
+    QVERIFY(log.indexOf("slotUserLoggedOut") < log.indexOf("restore default control?"));
     for (const char* line : { "Using inpout32 module", "restore default control?", "yes",
                               "stopAndWaitForFinished: Quit OK" }) {
         QVERIFY2(log.contains(line), line);
     }
+}
+
+void TestWineEnds::the_end_of_the_session_reaches_a_program_that_was_never_shown()
+{
+    WineRun run(m_display);
+    run.storeActivePreset(preset);
+    QVERIFY(run.start(WineRun::toThePorts() << QStringLiteral("/minimized")));
+    QVERIFY(run.waitForLine(trace::wroteMask(3)) >= 0);
+
+    QVERIFY(run.endSession());
+
+    QVERIFY(trace::givesBackLast(run.traceLog()));
+    QCOMPARE(run.leftovers(), QStringList());
 }
 
 void TestWineEnds::a_log_off_that_terminates_the_program_gives_the_fans_back()

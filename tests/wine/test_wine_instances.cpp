@@ -38,7 +38,7 @@ void TestWineInstances::a_start_without_a_controller_tells_why()
     WineRun run(m_display);
     run.hidePortDriver();
 
-    QVERIFY(run.start());
+    QVERIFY(run.startFirst());
 
     // A box of a machine without a name has the program's.
     QVERIFY(!run.waitForWindow(QStringLiteral("Brisora")).isEmpty());

@@ -35,7 +35,7 @@ void TestWineWindow::the_first_start_writes_the_defaults_and_shows_the_window()
 {
     WineRun run(m_display);
 
-    QVERIFY(run.start());
+    QVERIFY(run.startFirst());
 
     const QString window = run.waitForWindow(windowTitle);
     QVERIFY(!window.isEmpty());

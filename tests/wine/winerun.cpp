@@ -195,6 +195,15 @@ int WineRun::runBeside(const QStringList& arguments)
     return runCommandBeside(QStringList { wine, program } + arguments);
 }
 
+bool WineRun::startFirst()
+{
+    const QString box = QStringLiteral("Exception");
+    return start() && !waitForWindow(box).isEmpty() && waitFor([this, &box] {
+               // It may not have the keyboard yet.
+               return !isWindowVisible(box) || !isRunning() || !m_display.acceptBox();
+           });
+}
+
 QString WineRun::waitForWindow(const QString& title)
 {
     QString window;

@@ -42,6 +42,10 @@ public:
 
     // Starts the machine and then the program in it.
     [[nodiscard]] bool start(const QStringList& arguments = toThePorts());
+    // The same on an account that has never run the program. Wine's task scheduler
+    // takes no task with the highest privileges: the program's box that tells so is
+    // answered.
+    [[nodiscard]] bool startFirst();
     // Runs the program a second time on the same machine, to its end; gives its
     // exit code, or -1 when it did not end in time.
     [[nodiscard]] int runBeside(const QStringList& arguments);
