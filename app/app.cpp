@@ -5,6 +5,7 @@
 #include <QPushButton>
 
 #include "app/fancontrol/fancontrol.h"
+#include "app/gpu/provider_win.h"
 #include "app/platform/appplatformspecific.h"
 #include "app/platform/platformhost.h"
 #include "app/platform/systemplatform.h"
@@ -284,6 +285,7 @@ std::unique_ptr<QFanControl> QBrisoraApp::makeEngine()
     host.isMainWindowVisible
         = [this] { return m_mainWindow != nullptr && m_mainWindow->isShown(); };
     host.hasWriteAccess = [this] { return m_platform->hasWriteAccess(); };
+    host.gpuProvider = GPU::ProviderWindows::create(m_systemInfo.wmiSystemData().videoControllers);
     return std::make_unique<QFanControl>(*m_smcService, *settings(), m_systemInfo,
                                          core::threads::Clock::system(), std::move(host));
 }

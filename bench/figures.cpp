@@ -1,5 +1,4 @@
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -17,25 +16,10 @@
 #include "app/smc/service.h"
 #include "tests/fancontrol/enginemachine.h"
 #include "tests/smc/fakeportdriver.h"
+#include "tests/support/allocationcounter.h"
 #include "tests/support/fakesmcplatform.h"
 #include "tests/support/manualclock.h"
 #include "tests/support/testenvironment.h"
-
-namespace {
-
-std::atomic<long> allocations { 0 };
-
-} // namespace
-
-// The C library's own, under the name that it keeps for replacements. Qt's
-// containers and the new operator both end here.
-extern "C" void* __libc_malloc(std::size_t size);
-
-extern "C" void* malloc(std::size_t size)
-{
-    ++allocations;
-    return __libc_malloc(size);
-}
 
 namespace {
 
@@ -123,7 +107,7 @@ void printControl()
     static_cast<void>(clock.takeReadCount());
 
     int mostClockReads = 0;
-    const long before = allocations;
+    const long before = allocationCount();
     const auto start = std::chrono::steady_clock::now();
     for (int call = 0; call < calls; ++call) {
         static_cast<void>(control.update(speeds, mode, 55));
@@ -132,7 +116,7 @@ void printControl()
     const auto elapsed = std::chrono::steady_clock::now() - start;
     std::printf("a quiet call of the control algorithm: %.2f allocations, at most %d clock reads, "
                 "%.0f ns\n",
-                static_cast<double>(allocations - before) / calls, mostClockReads,
+                static_cast<double>(allocationCount() - before) / calls, mostClockReads,
                 std::chrono::duration<double, std::nano>(elapsed).count() / calls);
 }
 

@@ -9,7 +9,6 @@
 #include "app/fancontrol/fanprofilelist.h"
 #include "app/fancontrol/techinfo.h"
 #include "app/fancontrol/updatetask.h"
-#include "app/sensors/tempsensorprovider.h"
 #include "core/application_flags.h"
 #include "core/log/log.h"
 #include "core/threads/clock.h"
@@ -21,9 +20,9 @@ namespace {
 constexpr int stopTimeout = 8000;
 constexpr int stopInterval = 200;
 
-// How long the interface may stand still for tasks that don't pause;
-// milliseconds.
-constexpr std::uint32_t pauseTimeout = 8000;
+// How long the interface and the task that has paused may stand still for one that
+// doesn't; milliseconds.
+constexpr std::uint32_t pauseTimeout = 1000;
 
 } // namespace
 
@@ -37,7 +36,7 @@ QFanControl::QFanControl(SMC::Service& service, QSettingsCache& settings,
     , m_clock(clock)
     , m_host(std::move(host))
     , m_profiles(new QFanProfileList(settings, this))
-    , m_sensorProvider(new TemperatureSensorProvider(systemInfo, this))
+    , m_sensorProvider(new TemperatureSensorProvider(systemInfo, settings, m_host.loadDrives, this))
     , m_hardware(service, *m_profiles, systemInfo, clock)
     , m_reload(clock, m_eventStop,
                [this] {
@@ -63,7 +62,7 @@ QFanControl::~QFanControl()
     restoreControlUnlessDone();
 
     m_profiles->save();
-    m_sensorProvider->unload();
+    m_sensorProvider->unload(m_host.gpuProvider.get());
     FanControlMode::setSensorNameFunction({});
 }
 
@@ -239,7 +238,7 @@ void QFanControl::initialLoadThread()
     uint8_t failed = 0;
     try {
         m_hardware.load();
-        m_sensorProvider->load(&m_smc);
+        m_sensorProvider->load(&m_smc, m_host.gpuProvider.get());
         if (m_hardware.isUsable()) {
             m_profiles->loadCustom();
             m_profiles->loadActive();
@@ -342,8 +341,8 @@ void QFanControl::reloadSensors()
     }
     const auto resume = qScopeGuard([this] { m_reload.resumeTasks(); });
     Q_EMIT sensorsReloadBegin();
-    m_sensorProvider->unload();
-    m_sensorProvider->load(&m_smc);
+    m_sensorProvider->unload(m_host.gpuProvider.get());
+    m_sensorProvider->load(&m_smc, m_host.gpuProvider.get());
     Q_EMIT sensorsReloadEnd();
 }
 

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include <QObject>
@@ -14,6 +15,8 @@
 #include "app/fancontrol/fanprofile.h"
 #include "app/fancontrol/fanrecord.h"
 #include "app/fancontrol/reloadrendezvous.h"
+#include "app/gpu/provider.h"
+#include "app/sensors/tempsensorprovider.h"
 #include "core/system/powersource.h"
 #include "core/threads/event.h"
 #include "core/threads/task.h"
@@ -21,7 +24,6 @@
 class QFanProfileList;
 class QSettingsCache;
 class SystemInfo;
-class TemperatureSensorProvider;
 
 namespace SMC {
 class Service;
@@ -41,6 +43,8 @@ public:
         std::function<bool()> isMainWindowVisible; // called from any thread
         std::function<bool()> hasWriteAccess;
         std::function<System::PowerSource()> powerSource = &getPowerSource;
+        TemperatureSensorProvider::DriveLoader loadDrives = &TempSensorDisk::loadAvailableSensors;
+        std::unique_ptr<GPU::Provider> gpuProvider = nullptr; // null: no GPU is looked for
     };
 
     // The references must outlive the engine. One engine at a time: it provides

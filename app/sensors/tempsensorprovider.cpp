@@ -6,10 +6,13 @@
 
 #include <QLoggingCategory>
 
+#include "app/gpu/provider.h"
 #include "app/sensors/tempsensoraverage.h"
 #include "app/sensors/tempsensorsmc.h"
+#include "app/settingskeys.h"
 #include "app/smc/service.h"
 #include "core/log/log.h"
+#include "core/settings/qsettingscache.h"
 
 namespace {
 
@@ -22,36 +25,90 @@ QString sortName(const TemperatureSensorAbstract& sensor)
                                       : sensor.displayName();
 }
 
+template <typename Sensors>
+void appendVisible(const Sensors& sensors, std::vector<TemperatureSensorAbstract*>& result)
+{
+    for (const auto& sensor : sensors) {
+        if (!sensor->isHidden()) {
+            result.push_back(sensor.get());
+        }
+    }
+}
+
 QString toReportText(double number) { return QStringLiteral("%1").arg(number, 0, 'g', -1); }
+
+template <typename Sensors> QString reportLines(const Sensors& sensors, int prefixSize = 0)
+{
+    QString lines;
+    for (const auto& sensor : sensors) {
+        lines += QStringLiteral("%1 - %2\n")
+                     .arg(sensor->displayName().mid(prefixSize), toReportText(sensor->value()));
+    }
+    return lines;
+}
 
 } // namespace
 
-TemperatureSensorProvider::TemperatureSensorProvider(const SystemInfo& systemInfo, QObject* parent)
+TemperatureSensorProvider::TemperatureSensorProvider(const SystemInfo& systemInfo,
+                                                     QSettingsCache& settings,
+                                                     DriveLoader loadDrives, QObject* parent)
     : QObject(parent)
+    , m_settings(settings)
+    , m_loadDrives(std::move(loadDrives))
     , m_database(systemInfo)
 {
 }
 
 TemperatureSensorProvider::~TemperatureSensorProvider() = default;
 
-void TemperatureSensorProvider::load(SMC::Service* service)
+void TemperatureSensorProvider::load(SMC::Service* service, GPU::Provider* gpuProvider)
 {
     LOG_INFO("TemperatureSensorProvider::load");
     m_smcSensors = TemperatureSensorSMC::loadAvailableSensors(service, m_database);
+    loadGpuSensors(gpuProvider);
+    loadDrives();
     addCpuCoreAverage();
     LOG_INFO("InitialLoadThread: number of supported SMC sensors: {}", m_smcSensors.size());
+    LOG_INFO("InitialLoadThread: number of supported DISK sensors: {}", m_diskSensors.size());
+    LOG_INFO("InitialLoadThread: number of supported GPU sensors: {}", m_gpuSensors.size());
 }
 
-void TemperatureSensorProvider::unload() { m_smcSensors.clear(); }
+// What a drive tells about itself beats what the controller measures beside one,
+// even beside another one.
+void TemperatureSensorProvider::loadDrives()
+{
+    m_diskSensors = m_loadDrives(m_settings.getInt(SettingsKeys::showSmartDrives) == 1,
+                                 m_settings.getInt(SettingsKeys::showNvmeDrives) == 1);
+    if (m_diskSensors.empty()) {
+        return;
+    }
+    for (const auto& sensor : m_smcSensors) {
+        if (isDriveType(sensor->type())) {
+            sensor->setHidden(true);
+        }
+    }
+}
+
+void TemperatureSensorProvider::unload(GPU::Provider* gpuProvider)
+{
+    m_smcSensors.clear();
+    m_diskSensors.clear();
+    for (auto& sensor : m_gpuSensors) {
+        sensor->detach();
+        m_formerGpuSensors.push_back(std::move(sensor));
+    }
+    m_gpuSensors.clear();
+    if (gpuProvider != nullptr) {
+        gpuProvider->clear();
+    }
+}
 
 std::vector<TemperatureSensorAbstract*> TemperatureSensorProvider::getSensors() const
 {
     std::vector<TemperatureSensorAbstract*> result;
-    for (const auto& sensor : m_smcSensors) {
-        if (!sensor->isHidden()) {
-            result.push_back(sensor.get());
-        }
-    }
+    appendVisible(m_smcSensors, result);
+    appendVisible(m_diskSensors, result);
+    appendVisible(m_gpuSensors, result);
     std::sort(result.begin(), result.end(),
               [](const TemperatureSensorAbstract* left, const TemperatureSensorAbstract* right) {
                   return sortName(*left) < sortName(*right);
@@ -82,9 +139,10 @@ QString TemperatureSensorProvider::getSensorDisplayNameByKey(const QString& key)
 
 QString TemperatureSensorProvider::getTechInfo(SMC::Service* service) const
 {
-    // The blocks of GPUs and drives, of which there are none.
     return QStringLiteral("SMC sensors:\n%1\nGPUs:\n%2\nDisk drives:\n%3")
-        .arg(smcTechInfo(*service), QString(), QString());
+        .arg(smcTechInfo(*service),
+             reportLines(m_gpuSensors, TemperatureSensorGPU::namePrefix.size()),
+             reportLines(m_diskSensors));
 }
 
 QString TemperatureSensorProvider::smcTechInfo(SMC::Service& service) const
@@ -116,6 +174,33 @@ QString TemperatureSensorProvider::smcTechInfo(SMC::Service& service) const
                           toReportText(rawValue), suffix);
     }
     return lines;
+}
+
+// The last one that matches.
+TemperatureSensorAbstract* TemperatureSensorProvider::findSmcSensor(const char* key) const
+{
+    const QString text = QString::fromLatin1(key);
+    const auto found
+        = std::find_if(m_smcSensors.rbegin(), m_smcSensors.rend(),
+                       [&text](const auto& sensor) { return sensor->isKeyEqual(text); });
+    return found == m_smcSensors.rend() ? nullptr : found->get();
+}
+
+void TemperatureSensorProvider::loadGpuSensors(GPU::Provider* gpuProvider)
+{
+    if (gpuProvider == nullptr) {
+        return;
+    }
+    TemperatureSensorAbstract* discrete = findSmcSensor("TG0D");
+    if (discrete == nullptr) {
+        discrete = findSmcSensor("TGDD");
+    }
+    // Required, without an effect.
+    static_cast<void>(m_settings.getInt(SettingsKeys::showEGpuTemp));
+    m_gpuSensors = TemperatureSensorGPU::loadAvailableSensors(
+        gpuProvider, discrete, findSmcSensor("TCGC"), m_gpuFailureLogged);
+    connect(gpuProvider, &GPU::Provider::gpuListReloadRequired, this,
+            &TemperatureSensorProvider::reloadRequired, Qt::UniqueConnection);
 }
 
 void TemperatureSensorProvider::addCpuCoreAverage()

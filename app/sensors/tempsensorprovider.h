@@ -1,13 +1,18 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include <QObject>
 #include <QString>
 
 #include "app/sensors/sensordatabase.h"
+#include "app/sensors/tempsensordisk.h"
+#include "app/sensors/tempsensorgpu.h"
 
+class QSettingsCache;
 class SystemInfo;
 class TemperatureSensorAbstract;
 
@@ -21,13 +26,20 @@ class TemperatureSensorProvider : public QObject {
     Q_OBJECT
 
 public:
-    // systemInfo must outlive the provider.
-    explicit TemperatureSensorProvider(const SystemInfo& systemInfo, QObject* parent = nullptr);
+    // Gives the sensors of the drives, as TempSensorDisk::loadAvailableSensors does.
+    using DriveLoader
+        = std::function<TempSensorDisk::List(bool showSmartDrives, bool showNvmeDrives)>;
+
+    // systemInfo and settings must outlive the provider.
+    TemperatureSensorProvider(const SystemInfo& systemInfo, QSettingsCache& settings,
+                              DriveLoader loadDrives, QObject* parent = nullptr);
     ~TemperatureSensorProvider() override;
 
-    // service must outlive what is loaded.
-    void load(SMC::Service* service);
-    void unload();
+    // service must outlive what is loaded, and so must the provider of GPUs, which
+    // may be null.
+    void load(SMC::Service* service, GPU::Provider* gpuProvider = nullptr);
+    // The provider is the one that was given to load().
+    void unload(GPU::Provider* gpuProvider = nullptr);
 
     // All visible sensors in display order: drives last.
     [[nodiscard]] std::vector<TemperatureSensorAbstract*> getSensors() const;
@@ -44,9 +56,19 @@ Q_SIGNALS:
 private:
     using SensorList = std::vector<std::unique_ptr<TemperatureSensorAbstract>>;
 
+    [[nodiscard]] TemperatureSensorAbstract* findSmcSensor(const char* key) const;
+    void loadGpuSensors(GPU::Provider* gpuProvider);
+    void loadDrives();
     void addCpuCoreAverage();
     [[nodiscard]] QString smcTechInfo(SMC::Service& service) const;
 
+    QSettingsCache& m_settings;
+    const DriveLoader m_loadDrives;
     SensorDatabase m_database;
     SensorList m_smcSensors;
+    SensorList m_diskSensors;
+    std::vector<std::unique_ptr<TemperatureSensorGPU>> m_gpuSensors;
+    // The sensors of GPUs stay allocated after a reload: required.
+    std::vector<std::unique_ptr<TemperatureSensorGPU>> m_formerGpuSensors;
+    std::once_flag m_gpuFailureLogged;
 };

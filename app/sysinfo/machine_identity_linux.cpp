@@ -5,6 +5,7 @@
 #include <QSysInfo>
 
 #include "app/sysinfo/machinefiles.h"
+#include "app/sysinfo/pciids.h"
 #include "core/system_path.h"
 
 namespace {
@@ -23,22 +24,11 @@ QByteArray readSystemFile(const char* path)
 
 QString readIdentity(const char* path) { return QString::fromUtf8(readSystemFile(path)).trimmed(); }
 
-QByteArray readFirstOf(const QStringList& paths)
-{
-    for (const QString& path : paths) {
-        const QByteArray contents = readFile(path);
-        if (!contents.isEmpty()) {
-            return contents;
-        }
-    }
-    return QByteArray();
-}
-
 QStringList displayDevices(const QStringList& pciIdPaths)
 {
     QStringList names;
     const QDir devices(core::systemPath(QStringLiteral("/sys/bus/pci/devices")));
-    const QByteArray pciIds = readFirstOf(pciIdPaths);
+    const QByteArray pciIds = PciIds::read(pciIdPaths);
     const QStringList addresses = devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QString& address : addresses) {
         const QDir device(devices.filePath(address));
@@ -55,8 +45,7 @@ QStringList displayDevices(const QStringList& pciIdPaths)
 
 std::unique_ptr<MachineIdentity> systemMachineIdentity()
 {
-    return std::make_unique<MachineIdentityLinux>(QStringList {
-        QStringLiteral("/usr/share/misc/pci.ids"), QStringLiteral("/usr/share/hwdata/pci.ids") });
+    return std::make_unique<MachineIdentityLinux>(PciIds::paths());
 }
 
 MachineIdentityLinux::MachineIdentityLinux(const QStringList& pciIdPaths)

@@ -1,6 +1,7 @@
 #include "app/sysinfo/machinefiles.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <set>
 #include <utility>
@@ -44,6 +45,23 @@ QString marketName(const QString& name)
     }
     const QString inBrackets = name.mid(bracket + 1, name.size() - bracket - 2).trimmed();
     return inBrackets.isEmpty() ? name : inBrackets;
+}
+
+// Names of devices leave their makers out, and people know them by both.
+QString withMaker(const QByteArray& vendorDigits, const QString& name)
+{
+    constexpr std::array<std::pair<const char*, const char*>, 3> makers { {
+        { "1002", "AMD" },
+        { "10de", "NVIDIA" },
+        { "8086", "Intel" },
+    } };
+    for (const auto& [digits, maker] : makers) {
+        const QString text = QString::fromLatin1(maker);
+        if (vendorDigits == digits && !name.contains(text)) {
+            return text + QLatin1Char(' ') + name;
+        }
+    }
+    return name;
 }
 
 } // namespace
@@ -132,11 +150,11 @@ QString pciDeviceName(const QByteArray& vendor, const QByteArray& device, const 
         } else if (isVendor && line.startsWith('\t' + deviceDigits + "  ")) {
             const QString name = QString::fromUtf8(line.mid(deviceDigits.size() + 3)).trimmed();
             if (!name.isEmpty()) {
-                return marketName(name);
+                return withMaker(vendorDigits, marketName(name));
             }
         }
     }
-    return QString::fromLatin1(vendorDigits + ':' + deviceDigits);
+    return withMaker(vendorDigits, QString::fromLatin1(vendorDigits + ':' + deviceDigits));
 }
 
 } // namespace MachineFiles

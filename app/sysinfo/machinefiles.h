@@ -24,7 +24,8 @@ namespace MachineFiles {
 [[nodiscard]] bool isDisplayClass(const QByteArray& classText);
 // What the PCI identifiers file calls the device: its market name where that is
 // given, else the name of the chip; "8086:0d26" for a device that it doesn't
-// know. Vendor and device are texts such as "0x8086".
+// know. The name begins with the maker's where that is a known maker of GPUs.
+// Vendor and device are texts such as "0x8086".
 [[nodiscard]] QString pciDeviceName(const QByteArray& vendor, const QByteArray& device,
                                     const QByteArray& pciIds);
 

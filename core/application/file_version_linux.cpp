@@ -10,4 +10,6 @@ FileVersion readFileVersion()
                BuildConfig::versionBuild } };
 }
 
+std::optional<FileVersion> readFileVersion(const QString& /*path*/) { return std::nullopt; }
+
 } // namespace core

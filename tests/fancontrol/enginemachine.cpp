@@ -135,7 +135,8 @@ void EngineMachine::makeEngine()
         *service, settings, systemInfo, clock,
         QFanControl::Host {
             [this] { return hasWindow.load(); }, [this] { return isVisible.load(); },
-            [this] { return hasWriteAccess.load(); }, [this] { return powerSource; } });
+            [this] { return hasWriteAccess.load(); }, [this] { return powerSource; },
+            [](bool, bool) { return TempSensorDisk::List(); }, std::move(gpuProvider) });
 }
 
 void EngineMachine::removeFans() { smc->setKey("FNum", "ui8 ", { 0 }); }

@@ -117,7 +117,8 @@ public:
     // Reloads the sensors and waits for the pass that the tasks begin then. Not
     // while one of them is parked.
     void reload();
-    // A new engine, as after a restart of the program.
+    // A new engine, as after a restart of the program, with the GPUs that have
+    // been provided for it.
     void makeEngine();
 
     [[nodiscard]] TemperatureSensorAbstract* sensor(const char* key) const;
@@ -137,6 +138,7 @@ public:
     std::atomic<bool> isVisible { true };
     std::atomic<bool> hasWriteAccess { true };
     System::PowerSource powerSource = System::PowerSourceAC;
+    std::unique_ptr<GPU::Provider> gpuProvider; // for the next engine
 
 private:
     QTemporaryDir m_folder;

@@ -105,7 +105,13 @@ void EngineSleepTest::aSleepRightAfterAWakeIsPreparedToo()
     machine.engine->slotEnteringSleepMode();
 
     // The control task may have come as far as its pause, or not have noticed at all.
-    QTRY_VERIFY((machine.tick(), preparations.count() == 2));
+    const auto goOn = [&machine, &preparations] {
+        if (machine.clock.timedWaits() > 0) {
+            machine.tick();
+        }
+        return preparations.count() == 2;
+    };
+    QTRY_VERIFY(goOn());
     machine.engine->requestStop();
     QVERIFY(machine.engine->stopAndWaitForFinished());
 }

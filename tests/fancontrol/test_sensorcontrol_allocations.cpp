@@ -1,5 +1,3 @@
-#include <atomic>
-#include <cstddef>
 
 #include <QCoreApplication>
 #include <QTest>
@@ -7,24 +5,9 @@
 #include "app/fancontrol/fancontrolmode.h"
 #include "app/fancontrol/sensorcontrol.h"
 #include "core/threads/clock.h"
+#include "tests/support/allocationcounter.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testenvironment.h"
-
-namespace {
-
-std::atomic<int> allocations { 0 };
-
-} // namespace
-
-// The C library's own, under the name that it keeps for replacements. Qt's
-// containers and the new operator both end here.
-extern "C" void* __libc_malloc(std::size_t size);
-
-extern "C" void* malloc(std::size_t size)
-{
-    ++allocations;
-    return __libc_malloc(size);
-}
 
 class TestSensorControlAllocations : public QObject {
     Q_OBJECT
@@ -36,10 +19,10 @@ private Q_SLOTS:
 
 void TestSensorControlAllocations::theCounterCounts()
 {
-    const int before = allocations;
+    const long before = allocationCount();
     const QString text = QString::number(before) + QLatin1String(" before");
     QVERIFY(!text.isEmpty());
-    QVERIFY(allocations > before);
+    QVERIFY(allocationCount() > before);
 }
 
 void TestSensorControlAllocations::aCallThatLogsNothingAllocatesNothing()
@@ -51,16 +34,16 @@ void TestSensorControlAllocations::aCallThatLogsNothingAllocatesNothing()
     QCOMPARE(control.update(speeds, mode, 55), 3900);
     log.clear();
 
-    const int before = allocations;
+    const long before = allocationCount();
     int written = 0;
     for (int call = 0; call < 100; ++call) {
         written += control.update(speeds, mode, 55) == -1 ? 0 : 1;
     }
-    const int after = allocations;
+    const long after = allocationCount();
 
     QCOMPARE(written, 0);
     QCOMPARE(log.take(), QStringList());
-    QCOMPARE(after - before, 0);
+    QCOMPARE(after - before, 0L);
 }
 
 BRISORA_TEST_MAIN(TestSensorControlAllocations, QCoreApplication)

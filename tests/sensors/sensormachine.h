@@ -7,6 +7,7 @@
 
 #include "app/smc/service.h"
 #include "app/sysinfo/sysinfo.h"
+#include "core/settings/qsettingscache.h"
 #include "tests/support/fakemachineidentity.h"
 #include "tests/support/fakesmcplatform.h"
 #include "tests/support/gzipped.h"
@@ -18,6 +19,8 @@ public:
     explicit SensorMachine(const char* model = "MacBookPro11,3")
         : identity(QString::fromLatin1(model))
         , info(identity)
+        , settings(std::make_unique<QSettings>(m_folder.filePath(QStringLiteral("settings.ini")),
+                                               QSettings::IniFormat))
     {
         auto platform = std::make_unique<FakeSmcPlatform>();
         controller = platform.get();
@@ -42,11 +45,13 @@ public:
         return file.fileName();
     }
 
-    FakeMachineIdentity identity;
-    const SystemInfo info;
-    FakeSmcPlatform* controller = nullptr; // owned by the service
-    std::unique_ptr<SMC::Service> service;
-
 private:
     QTemporaryDir m_folder;
+
+public:
+    FakeMachineIdentity identity;
+    const SystemInfo info;
+    QSettingsCache settings;
+    FakeSmcPlatform* controller = nullptr; // owned by the service
+    std::unique_ptr<SMC::Service> service;
 };

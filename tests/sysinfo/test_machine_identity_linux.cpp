@@ -111,7 +111,8 @@ void TestMachineIdentityLinux::displayDevicesAreListedByAddress()
           "1002  AMD\n\t6821  Venus XT [Radeon R9 M370X]\n8086  Intel\n\t0d26  Crystal Well\n");
 
     QCOMPARE(makeIdentity().managementData().videoControllers,
-             QStringList({ QStringLiteral("Crystal Well"), QStringLiteral("Radeon R9 M370X") }));
+             QStringList(
+                 { QStringLiteral("Intel Crystal Well"), QStringLiteral("AMD Radeon R9 M370X") }));
 }
 
 void TestMachineIdentityLinux::displayDevicesAreNamedByNumberWithoutNames()
@@ -119,7 +120,7 @@ void TestMachineIdentityLinux::displayDevicesAreNamedByNumberWithoutNames()
     addPciDevice(QStringLiteral("0000:00:02.0"), "0x030000", "0x8086", "0x0d26");
 
     QCOMPARE(makeIdentity().managementData().videoControllers,
-             QStringList { QStringLiteral("8086:0d26") });
+             QStringList { QStringLiteral("Intel 8086:0d26") });
 }
 
 void TestMachineIdentityLinux::firmwareTableIsReadAsOneBlock()

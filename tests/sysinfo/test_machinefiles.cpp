@@ -153,13 +153,16 @@ void TestMachineFiles::deviceIsNamed_data()
               QTest::newRow(name) << QByteArray(vendor) << QByteArray(device)
                                   << QString::fromUtf8(expected);
           };
-    row("market name", "0x1002\n", "0x6821\n", "Radeon R9 M370X");
-    row("chip name", "0x8086\n", "0x0d26\n", "Crystal Well Graphics");
-    row("upper case", "0x8086\n", "0x0D26\n", "Crystal Well Graphics");
-    row("empty brackets", "0x8086\n", "0x0d27\n", "Odd []");
-    row("same device number of the next vendor", "0x1002\n", "0x0d26\n", "1002:0d26");
-    row("subsystem is no device", "0x1002\n", "0x106b\n", "1002:106b");
-    row("unknown device", "0x8086\n", "0xffff\n", "8086:ffff");
+    row("market name", "0x1002\n", "0x6821\n", "AMD Radeon R9 M370X");
+    row("chip name", "0x8086\n", "0x0d26\n", "Intel Crystal Well Graphics");
+    row("upper case", "0x8086\n", "0x0D26\n", "Intel Crystal Well Graphics");
+    row("maker in the name", "0x8086\n", "0x0d28\n", "Old Intel Graphics");
+    row("empty brackets", "0x8086\n", "0x0d27\n", "Intel Odd []");
+    row("maker of other things", "0x15ad\n", "0x0405\n", "SVGA II Adapter");
+    row("same device number of the next vendor", "0x1002\n", "0x0d26\n", "AMD 1002:0d26");
+    row("subsystem is no device", "0x1002\n", "0x106b\n", "AMD 1002:106b");
+    row("unknown device", "0x8086\n", "0xffff\n", "Intel 8086:ffff");
+    row("unknown device of a maker without entries", "0x10de\n", "0x0fe9\n", "NVIDIA 10de:0fe9");
     row("unknown vendor", "0x1234\n", "0x1111\n", "1234:1111");
 }
 
@@ -173,6 +176,9 @@ void TestMachineFiles::deviceIsNamed()
                               "8086  Intel Corporation\n"
                               "\t0d26  Crystal Well Graphics\n"
                               "\t0d27  Odd []\n"
+                              "\t0d28  Old Intel Graphics\n"
+                              "15ad  VMware\n"
+                              "\t0405  SVGA II Adapter\n"
                               "C 03  Display controller\n";
     QFETCH(QByteArray, vendor);
     QFETCH(QByteArray, device);
