@@ -22,25 +22,29 @@ else()
     set(BRISORA_SYSTEM linux)
 endif()
 
-add_library(brisora_options INTERFACE)
-target_compile_options(brisora_options INTERFACE
+# What all of our code is compiled with, also where no sanitizer may be.
+add_library(brisora_plain_options INTERFACE)
+target_compile_options(brisora_plain_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow
         -Wnon-virtual-dtor -Wold-style-cast>
     # GCC 12 finds overlaps in its own std::string when it optimises for 32 bits.
     $<$<PLATFORM_ID:Windows>:-Wno-restrict>
     $<$<BOOL:${BRISORA_WERROR}>:-Werror>)
-target_compile_definitions(brisora_options INTERFACE
+target_compile_definitions(brisora_plain_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
     QT_NO_FOREACH QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_DEPRECATED_WARNINGS
     $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 # Windows 7 is the oldest one. The linker writes the number of a much older one, for
 # which Windows changes what it tells and does.
-target_link_options(brisora_options INTERFACE
+target_link_options(brisora_plain_options INTERFACE
     $<$<PLATFORM_ID:Windows>:
         LINKER:--major-os-version=6,--minor-os-version=1
         LINKER:--major-subsystem-version=6,--minor-subsystem-version=1>)
-target_include_directories(brisora_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_include_directories(brisora_plain_options INTERFACE ${PROJECT_SOURCE_DIR})
+
+add_library(brisora_options INTERFACE)
+target_link_libraries(brisora_options INTERFACE brisora_plain_options)
 
 if(BRISORA_SANITIZE)
     target_compile_options(brisora_options INTERFACE

@@ -147,6 +147,7 @@ void FanHardware::restoreDefaultControl(bool userLoggedOut)
     m_isClosed = true;
     if (userLoggedOut && m_systemInfo.isLogoutSensitiveIMac()) {
         LOG_INFO("no");
+        m_smc.leaveFans();
     } else {
         LOG_INFO("yes");
         release();

@@ -39,6 +39,10 @@ public:
     // success; the port transport gives false on success.
     [[nodiscard]] virtual bool writeKey(const char* key, const void* data, std::uint8_t length) = 0;
 
+    // Fans that are under manual control now are to stay so after close(), against
+    // what else would give them back.
+    virtual void leaveFans() { }
+
 Q_SIGNALS:
     void error_unexpected_disconnect();
 

@@ -105,6 +105,13 @@ bool PlatformWin::writeKey(const char* key, const void* data, std::uint8_t lengt
     return provider && provider->writeKey(key, data, length);
 }
 
+void PlatformWin::leaveFans()
+{
+    if (provider) {
+        provider->leaveFans();
+    }
+}
+
 bool PlatformWin::openProvider(Transport transport)
 {
     provider = m_factory(transport);

@@ -30,6 +30,7 @@ public:
     bool getKeyInfo(const char* key, KeyInfo& info) override;
     bool readKey(const char* key, void* buffer, std::uint8_t length) override;
     bool writeKey(const char* key, const void* data, std::uint8_t length) override;
+    void leaveFans() override;
 
 private:
     [[nodiscard]] bool openProvider(Transport transport);

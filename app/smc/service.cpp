@@ -72,6 +72,12 @@ bool Service::open()
 
 void Service::close() { d->platform->close(); }
 
+void Service::leaveFans()
+{
+    const std::lock_guard lock(d->mutex);
+    d->platform->leaveFans();
+}
+
 std::uint8_t Service::getFanCount()
 {
     // The result is kept, a failure's too, so that all who use the count agree.

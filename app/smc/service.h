@@ -31,6 +31,8 @@ public:
     // Opens the transport and, on success, detects encoding and scheme.
     [[nodiscard]] bool open();
     void close();
+    // Fans that are forced now stay so after close().
+    void leaveFans();
 
     // 0 when the count can't be read, which is remembered too.
     [[nodiscard]] std::uint8_t getFanCount();
