@@ -21,11 +21,12 @@ ControlReply failure(const QString& text) { return { false, text }; }
 } // namespace
 
 ControlVerbs::ControlVerbs(SimulatedMac& mac, PortController& controller, const Trace& trace,
-                           PowerSwitch powerSwitch)
+                           PowerSwitch powerSwitch, DriveSwitch driveSwitch)
     : m_mac(mac)
     , m_controller(controller)
     , m_trace(trace)
     , m_powerSwitch(std::move(powerSwitch))
+    , m_driveSwitch(std::move(driveSwitch))
 {
 }
 
@@ -40,6 +41,8 @@ const std::vector<ControlVerbs::Verb>& ControlVerbs::verbs()
         { "wake", 0, &ControlVerbs::wake, "wake                    ends the sleep" },
         { "fault", -1, &ControlVerbs::fault,
           "fault NAME [ARGS]       see below; \"fault none\" ends them all" },
+        { "drive", -1, &ControlVerbs::drive,
+          "drive NAME WHAT [ARG]   does something to a drive, see below" },
         { "get", 1, &ControlVerbs::get, "get KEY                 value in hexadecimal digits" },
         { "set", 2, &ControlVerbs::set,
           "set KEY HEX             writes a value, whatever the key's attributes" },
@@ -62,7 +65,8 @@ QString ControlVerbs::help()
     for (const Verb& verb : verbs()) {
         text += QStringLiteral("  %1\n").arg(QLatin1String(verb.help));
     }
-    return text + QStringLiteral("Faults:\n") + faultHelp();
+    return text + QStringLiteral("Faults:\n") + faultHelp() + QStringLiteral("Drives:\n")
+        + driveHelp();
 }
 
 ControlReply ControlVerbs::execute(const QStringList& words)
@@ -157,6 +161,16 @@ ControlReply ControlVerbs::fault(const QStringList& arguments)
         return failure(problem);
     }
     m_trace.event(QStringLiteral("fault %1").arg(arguments.join(QLatin1Char(' '))));
+    return {};
+}
+
+ControlReply ControlVerbs::drive(const QStringList& arguments)
+{
+    const QString problem = applyToDrive(arguments, m_mac, m_driveSwitch);
+    if (!problem.isEmpty()) {
+        return failure(problem);
+    }
+    m_trace.event(QStringLiteral("drive %1").arg(arguments.join(QLatin1Char(' '))));
     return {};
 }
 

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 
+#include "macsim/model/driveverbs.h"
 #include "macsim/model/portcontroller.h"
 #include "macsim/model/simulatedmac.h"
 #include "macsim/model/trace.h"
@@ -25,7 +26,7 @@ public:
 
     // All of them must outlive the verbs.
     ControlVerbs(SimulatedMac& mac, PortController& controller, const Trace& trace,
-                 PowerSwitch powerSwitch);
+                 PowerSwitch powerSwitch, DriveSwitch driveSwitch = {});
 
     // A verb and its arguments.
     [[nodiscard]] ControlReply execute(const QStringList& words);
@@ -38,6 +39,7 @@ private:
     PortController& m_controller;
     const Trace& m_trace;
     PowerSwitch m_powerSwitch;
+    DriveSwitch m_driveSwitch;
 
     using Handler = ControlReply (ControlVerbs::*)(const QStringList&);
     struct Verb {
@@ -55,6 +57,7 @@ private:
     [[nodiscard]] ControlReply sleep(const QStringList& arguments);
     [[nodiscard]] ControlReply wake(const QStringList& arguments);
     [[nodiscard]] ControlReply fault(const QStringList& arguments);
+    [[nodiscard]] ControlReply drive(const QStringList& arguments);
     [[nodiscard]] ControlReply get(const QStringList& arguments);
     [[nodiscard]] ControlReply set(const QStringList& arguments);
     [[nodiscard]] ControlReply freeze(const QStringList& arguments);

@@ -45,6 +45,8 @@ bool applyNone(const QStringList&, Target& target)
 {
     target.faults = {};
     target.mac.keys().clearFaults();
+    target.mac.setGpuDriversFailing(false);
+    target.mac.setDriverFaults({});
     return true;
 }
 
@@ -111,8 +113,43 @@ bool applyError(const QStringList& arguments, Target& target)
     return true;
 }
 
+bool applyGpus(const QStringList&, Target& target)
+{
+    target.mac.setGpuDriversFailing(true);
+    return true;
+}
+
+bool applyDriverGone(const QStringList&, Target& target)
+{
+    DriverFaults faults = target.mac.driverFaults();
+    faults.gone = true;
+    target.mac.setDriverFaults(faults);
+    return true;
+}
+
+bool applyDriverSlow(const QStringList& arguments, Target& target)
+{
+    const int milliseconds = number(arguments.at(0), 0, longestByteTime);
+    if (milliseconds < 0) {
+        return false;
+    }
+    DriverFaults faults = target.mac.driverFaults();
+    faults.delay = std::chrono::milliseconds(milliseconds);
+    target.mac.setDriverFaults(faults);
+    return true;
+}
+
+template <DriverFaults::Reply reply> bool applyDriverReply(const QStringList&, Target& target)
+{
+    DriverFaults faults = target.mac.driverFaults();
+    faults.reply = reply;
+    target.mac.setDriverFaults(faults);
+    return true;
+}
+
 const std::vector<Fault>& table()
 {
+    using Reply = DriverFaults::Reply;
     static const std::vector<Fault> faults {
         { "none", 0, applyNone, "none                    ends all faults" },
         { "mute", 0, applyMute, "mute                    the status is 0, nothing is accepted" },
@@ -122,6 +159,16 @@ const std::vector<Fault>& table()
         { "length", 2, applyLength, "length KEY N            the key's info claims a length of N" },
         { "vanish", 1, applyVanish, "vanish KEY              the key is gone" },
         { "error", 1, applyError, "error KEY               the key is listed but can't be read" },
+        { "gpus", 0, applyGpus, "gpus                    their drivers tell no temperature" },
+        { "driver-gone", 0, applyDriverGone, "driver-gone             the driver has no device" },
+        { "driver-slow", 1, applyDriverSlow,
+          "driver-slow MS          each answer takes so many milliseconds" },
+        { "driver-short", 0, applyDriverReply<Reply::Short>,
+          "driver-short            answers have half their bytes" },
+        { "driver-long", 0, applyDriverReply<Reply::Long>,
+          "driver-long             answers have more bytes than asked for" },
+        { "driver-garbage", 0, applyDriverReply<Reply::Garbage>,
+          "driver-garbage          answers are none" },
     };
     return faults;
 }

@@ -188,6 +188,18 @@ FanDescription parseFan(const QJsonObject& object)
     return fan;
 }
 
+GpuDescription parseGpu(const QJsonObject& object)
+{
+    GpuDescription gpu;
+    gpu.name = object[QLatin1String("name")].toString();
+    gpu.address = object[QLatin1String("address")].toString();
+    gpu.vendor = object[QLatin1String("vendor")].toString();
+    gpu.device = object[QLatin1String("device")].toString();
+    gpu.source = object[QLatin1String("heat")].toString();
+    gpu.offset = object[QLatin1String("offset")].toDouble();
+    return gpu;
+}
+
 ProcessorDescription parseProcessor(const QJsonObject& object)
 {
     const auto number = [&object](const char* name) { return object[QLatin1String(name)].toInt(); };
@@ -209,6 +221,7 @@ void parseController(MachineDescription& machine, const QJsonObject& controller)
     machine.fanType = controller[QLatin1String("fanType")].toString().toLatin1();
     machine.fanMask = controller[QLatin1String("fanControl")].toString() == QLatin1String("mask");
     machine.fanNames = controller[QLatin1String("fanNames")].toBool(true);
+    machine.hasDriver = controller[QLatin1String("driver")].toBool();
     machine.temperatureType = controller[QLatin1String("temperatureType")].toString().toLatin1();
     const QStringList inverted = texts(controller[QLatin1String("inverted")]);
     for (const QString& key : inverted) {
@@ -253,6 +266,14 @@ MachineDescription parse(const QJsonObject& object)
     const QJsonArray fans = object[QLatin1String("fans")].toArray();
     for (const QJsonValue& fan : fans) {
         machine.fans.push_back(parseFan(fan.toObject()));
+    }
+    const QJsonArray drives = object[QLatin1String("drives")].toArray();
+    for (const QJsonValue& drive : drives) {
+        machine.drives.push_back(DriveDescription::parse(drive.toObject()));
+    }
+    const QJsonArray gpus = object[QLatin1String("gpus")].toArray();
+    for (const QJsonValue& gpu : gpus) {
+        machine.gpus.push_back(parseGpu(gpu.toObject()));
     }
     if (object.contains(QLatin1String("controller"))) {
         parseController(machine, object[QLatin1String("controller")].toObject());

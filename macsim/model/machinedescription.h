@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "macsim/model/drivedescription.h"
 #include "macsim/model/keytable.h"
 
 namespace macsim {
@@ -48,6 +49,22 @@ struct FanDescription {
     std::vector<CurvePoint> curve; // ascending in temperature
 };
 
+// A GPU as the system's buses and its own driver show it. Which driver it has
+// follows from the vendor.
+struct GpuDescription {
+    static constexpr const char* amd = "1002";
+    static constexpr const char* nvidia = "10de";
+
+    QString name; // as its driver tells it
+    QString address; // on the PCI bus, such as "0000:01:00.0"
+    QString vendor; // four hexadecimal digits, as is the device
+    QString device;
+    QString source; // the heat source that it is
+    double offset = 0.0; // degrees Celsius above the source's temperature
+
+    [[nodiscard]] bool isOf(const char* maker) const { return vendor == QLatin1String(maker); }
+};
+
 struct ProcessorDescription {
     QString name;
     int packages = 0;
@@ -70,10 +87,13 @@ struct MachineDescription {
     QByteArray fanType; // "fpe2" or "flt "
     bool fanMask = true; // "FS! " forces fans, otherwise "F{}Md"
     bool fanNames = true; // the controller tells them in "F{}ID"
+    bool hasDriver = false; // the system has the controller's driver
     QByteArray temperatureType; // "sp78" or "flt "
     QList<QByteArray> invertedKeys; // report 100 minus the temperature
     std::vector<HeatSource> heatSources;
     std::vector<FanDescription> fans;
+    std::vector<DriveDescription> drives;
+    std::vector<GpuDescription> gpus;
     std::vector<KeyEntry> keys; // all of them, fans and sensors included
 
     [[nodiscard]] bool hasController() const { return !keys.empty(); }

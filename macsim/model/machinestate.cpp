@@ -28,6 +28,33 @@ QJsonObject fanAsJson(const SimulatedMac& mac, int index)
     };
 }
 
+QJsonObject driveAsJson(const SimulatedMac& mac, const SimulatedDrive& drive)
+{
+    const SimulatedDrive::Counters& counters = drive.counters();
+    const auto number = [](quint64 count) { return static_cast<qint64>(count); };
+    return {
+        { QStringLiteral("name"), drive.description().name },
+        { QStringLiteral("model"), drive.description().model },
+        { QStringLiteral("celsius"), rounded(mac.temperature(drive.description())) },
+        { QStringLiteral("standby"), drive.isInStandby() },
+        { QStringLiteral("unplugged"), drive.faults().unplugged },
+        { QStringLiteral("commands"), number(counters.commands) },
+        { QStringLiteral("identifies"), number(counters.identifies) },
+        { QStringLiteral("powerChecks"), number(counters.powerChecks) },
+        { QStringLiteral("reads"), number(counters.reads) },
+        { QStringLiteral("wakeUps"), number(counters.wakeUps) },
+    };
+}
+
+QJsonObject gpuAsJson(const SimulatedMac& mac, std::size_t index)
+{
+    const auto temperature = mac.gpuTemperature(index);
+    return {
+        { QStringLiteral("name"), mac.description().gpus.at(index).name },
+        { QStringLiteral("temperature"), temperature ? rounded(*temperature) : QJsonValue() },
+    };
+}
+
 } // namespace
 
 QJsonObject machineState(SimulatedMac& mac, const PortController& controller)
@@ -45,6 +72,14 @@ QJsonObject machineState(SimulatedMac& mac, const PortController& controller)
     for (int index = 0; index < static_cast<int>(description.fans.size()); ++index) {
         fans.append(fanAsJson(mac, index));
     }
+    QJsonArray drives;
+    for (const SimulatedDrive& drive : mac.drives()) {
+        drives.append(driveAsJson(mac, drive));
+    }
+    QJsonArray gpus;
+    for (std::size_t index = 0; index < description.gpus.size(); ++index) {
+        gpus.append(gpuAsJson(mac, index));
+    }
     return {
         { QStringLiteral("machine"), description.name },
         { QStringLiteral("asleep"), mac.isAsleep() },
@@ -55,6 +90,8 @@ QJsonObject machineState(SimulatedMac& mac, const PortController& controller)
         { QStringLiteral("temperatures"), temperatures },
         { QStringLiteral("highestTemperatures"), highest },
         { QStringLiteral("fans"), fans },
+        { QStringLiteral("drives"), drives },
+        { QStringLiteral("gpus"), gpus },
         { QStringLiteral("controlBits"), static_cast<qint64>(mac.forcedMask()) },
         { QStringLiteral("protocolErrors"), controller.counters().errorsAsJson() },
         { QStringLiteral("operations"), controller.counters().operationsAsJson() },

@@ -14,6 +14,9 @@ namespace macsim {
 //     temperatures { source: now }, highestTemperatures { source: since the start },
 //     fans [ { name, actual, min, max, target, forced, targetWrites,
 //              targetsOutsideLimits, lowestTarget, highestTarget } ],
+//     drives [ { name, model, celsius, standby, unplugged, commands, identifies,
+//                powerChecks, reads, wakeUps } ],
+//     gpus [ { name, temperature: what the driver tells, or null } ],
 //     controlBits (bit i for fan i), protocolErrors { total, ... }, operations { read ... }
 [[nodiscard]] QJsonObject machineState(SimulatedMac& mac, const PortController& controller);
 

@@ -1,5 +1,7 @@
 #include <algorithm>
 
+#include <QRegularExpression>
+
 #include "macsim/model/machinedescription.h"
 #include "macsim/model/smcvalue.h"
 
@@ -27,6 +29,8 @@ public:
         }
         checkProcessor();
         checkHeat();
+        checkDrives();
+        checkGpus();
         if (m_machine.hasController()) {
             checkKeys();
             checkFans();
@@ -76,6 +80,48 @@ private:
                         || (hasSource(source.neighbour) && source.neighbour != source.name
                             && source.neighbourShare > 0.0 && source.neighbourShare <= 1.0),
                     QStringLiteral("heat source %1 has no such neighbour").arg(source.name));
+        }
+    }
+
+    void checkDrives()
+    {
+        QStringList names;
+        for (const DriveDescription& drive : m_machine.drives) {
+            const auto prefix
+                = drive.bus == DriveBus::Nvme ? QLatin1String("nvme") : QLatin1String("sd");
+            require(drive.isBusKnown && drive.name.startsWith(prefix)
+                        && drive.name.size() > prefix.size() && !names.contains(drive.name),
+                    QStringLiteral("drive %1 has no usable name or bus").arg(drive.name));
+            require(drive.model.size() <= 40 && drive.serial.size() <= 20
+                        && drive.firmware.size() <= 8,
+                    QStringLiteral("drive %1 tells too much").arg(drive.name));
+            require(hasSource(drive.source),
+                    QStringLiteral("drive %1 is no heat source").arg(drive.name));
+            require(drive.rotation >= 0 && drive.rotation <= 0xFFFF && drive.attribute >= 0
+                        && drive.attribute <= 0xFF,
+                    QStringLiteral("drive %1 has impossible numbers").arg(drive.name));
+            require(!drive.encrypted || !drive.mounts.isEmpty(),
+                    QStringLiteral("drive %1 has nothing to encrypt").arg(drive.name));
+            names.append(drive.name);
+        }
+    }
+
+    void checkGpus()
+    {
+        static const QRegularExpression address(
+            QStringLiteral("^[0-9a-f]{4}:[0-9a-f]{2}:[0-9a-f]{2}\\.[0-7]$"));
+        static const QRegularExpression number(QStringLiteral("^[0-9a-f]{4}$"));
+        QStringList addresses;
+        for (const GpuDescription& gpu : m_machine.gpus) {
+            require(!gpu.name.isEmpty() && address.match(gpu.address).hasMatch()
+                        && number.match(gpu.vendor).hasMatch()
+                        && number.match(gpu.device).hasMatch(),
+                    QStringLiteral("GPU %1 is not described").arg(gpu.name));
+            require(hasSource(gpu.source),
+                    QStringLiteral("GPU %1 is no heat source").arg(gpu.name));
+            require(!addresses.contains(gpu.address),
+                    QStringLiteral("GPU %1 has another one's place").arg(gpu.name));
+            addresses.append(gpu.address);
         }
     }
 

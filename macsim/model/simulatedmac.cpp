@@ -38,6 +38,7 @@ SimulatedMac::SimulatedMac(MachineDescription description, const Clock& clock, S
     , m_keys(m_description.keys)
     , m_load(std::move(settings.load))
     , m_physics(m_description, m_load.at(0.0), settings.seed)
+    , m_drives(m_description.drives.begin(), m_description.drives.end())
     , m_speed(settings.speed)
     , m_advancedTo(clock.now())
     , m_targetUse(m_description.fans.size())
@@ -249,6 +250,40 @@ SimulatedMac::FanState SimulatedMac::fan(int index) const
 const std::vector<ThermalModel::Source>& SimulatedMac::sources() const
 {
     return m_physics.sources();
+}
+
+SimulatedDrive* SimulatedMac::drive(const QString& name)
+{
+    const auto found
+        = std::find_if(m_drives.begin(), m_drives.end(), [&name](const SimulatedDrive& drive) {
+              return drive.description().name == name;
+          });
+    return found == m_drives.end() ? nullptr : &*found;
+}
+
+double SimulatedMac::sourceTemperature(const QString& name) const
+{
+    const auto& heat = m_description.heatSources;
+    const auto found = std::find_if(heat.begin(), heat.end(), [&name](const HeatSource& source) {
+        return source.name == name;
+    });
+    return found == heat.end()
+        ? m_physics.ambient()
+        : m_physics.sources()[static_cast<std::size_t>(found - heat.begin())].temperature;
+}
+
+double SimulatedMac::temperature(const DriveDescription& drive) const
+{
+    return sourceTemperature(drive.source) + drive.offset;
+}
+
+std::optional<double> SimulatedMac::gpuTemperature(std::size_t index) const
+{
+    if (m_gpuDriversFail) {
+        return std::nullopt;
+    }
+    const GpuDescription& gpu = m_description.gpus.at(index);
+    return sourceTemperature(gpu.source) + gpu.offset;
 }
 
 quint32 SimulatedMac::forcedMask() const

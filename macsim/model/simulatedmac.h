@@ -7,6 +7,7 @@
 #include "macsim/model/keytable.h"
 #include "macsim/model/loadprofile.h"
 #include "macsim/model/machinedescription.h"
+#include "macsim/model/simulateddrive.h"
 #include "macsim/model/thermalmodel.h"
 
 namespace macsim {
@@ -16,6 +17,15 @@ enum class KeyOutcome { Ok, Unknown, Unreadable, Failing, ReadOnly, BadLength };
 
 // The word for it in the trace.
 [[nodiscard]] const char* outcomeText(KeyOutcome outcome);
+
+// What is wrong with the controller's driver.
+struct DriverFaults {
+    enum class Reply { Right, Short, Long, Garbage };
+
+    bool gone = false; // no device, no answer but an error
+    std::chrono::milliseconds delay { 0 }; // before each answer
+    Reply reply = Reply::Right;
+};
 
 // One machine: its key table and its physics, and what lies between them. The
 // machine fills in its measurements ("F{}Ac", the temperatures, "#KEY", and
@@ -73,10 +83,18 @@ public:
     void setAmbient(double celsius);
     // Time stands still for a sleeping machine; the fans stay as they are.
     void setAsleep(bool asleep);
+    // The drivers of the GPUs no longer tell their temperatures.
+    void setGpuDriversFailing(bool failing) { m_gpuDriversFail = failing; }
+    void setDriverFaults(const DriverFaults& faults) { m_driverFaults = faults; }
+    [[nodiscard]] const DriverFaults& driverFaults() const { return m_driverFaults; }
     // Writes a value past the attributes. False without such a key or when the
     // length is wrong. A value that the machine fills in stays only when frozen.
     [[nodiscard]] bool poke(const QByteArray& key, const QByteArray& value);
     [[nodiscard]] KeyTable& keys() { return m_keys; }
+
+    // Null when there is no such drive. Unplugged ones are there, too.
+    [[nodiscard]] SimulatedDrive* drive(const QString& name);
+    [[nodiscard]] const std::vector<SimulatedDrive>& drives() const { return m_drives; }
 
     // What it is like now. All of these reflect the time of the last advance().
     void advance();
@@ -87,6 +105,10 @@ public:
     [[nodiscard]] double ambient() const { return m_physics.ambient(); }
     [[nodiscard]] FanState fan(int index) const;
     [[nodiscard]] const std::vector<ThermalModel::Source>& sources() const;
+    // In degrees Celsius.
+    [[nodiscard]] double temperature(const DriveDescription& drive) const;
+    // What a GPU's driver tells, in degrees Celsius; nothing while the drivers fail.
+    [[nodiscard]] std::optional<double> gpuTemperature(std::size_t index) const;
     // Bit i is set when fan i is forced.
     [[nodiscard]] quint32 forcedMask() const;
 
@@ -103,13 +125,18 @@ private:
     KeyTable m_keys;
     LoadProfile m_load;
     ThermalModel m_physics;
+    std::vector<SimulatedDrive> m_drives;
     double m_speed;
     bool m_asleep = false;
+    bool m_gpuDriversFail = false;
+    DriverFaults m_driverFaults;
     std::chrono::microseconds m_advancedTo;
     double m_simulated = 0.0; // seconds
     double m_loadStart = 0.0; // m_simulated when the profile was chosen
     std::vector<TargetUse> m_targetUse;
 
+    // The ambient temperature where there is no such source.
+    [[nodiscard]] double sourceTemperature(const QString& name) const;
     [[nodiscard]] double number(const QByteArray& key, double fallback) const;
     [[nodiscard]] bool isForced(int fan) const;
     [[nodiscard]] ThermalModel::FanCommand command(int fan) const;

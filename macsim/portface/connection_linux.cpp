@@ -1,17 +1,17 @@
 #include "macsim/portface/connection.h"
 
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
 
 #include <sys/socket.h>
-#include <sys/time.h>
-#include <sys/un.h>
 #include <unistd.h>
+
+#include "macsim/portface/simulatorsocket.h"
 
 namespace macsim {
 
 namespace {
+
+constexpr unsigned int patience = 2000; // milliseconds
 
 int descriptor(std::intptr_t socket) { return static_cast<int>(socket); }
 
@@ -35,26 +35,11 @@ bool Connection::ensureConnected()
         return true;
     }
     disconnect();
-    const char* path = std::getenv("MACSIM_SOCKET");
-    sockaddr_un address {};
-    address.sun_family = AF_UNIX;
-    if (path == nullptr || *path == '\0' || std::strlen(path) >= sizeof(address.sun_path)) {
-        return false;
-    }
-    std::strncpy(address.sun_path, path, sizeof(address.sun_path) - 1);
-    m_socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    m_socket = connectToSimulator(patience);
     if (m_socket == none) {
         return false;
     }
     m_owner = ::getpid();
-    const timeval patience { 2, 0 };
-    ::setsockopt(descriptor(m_socket), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
-    ::setsockopt(descriptor(m_socket), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
-    const auto* target = static_cast<const sockaddr*>(static_cast<const void*>(&address));
-    if (::connect(descriptor(m_socket), target, sizeof(address)) != 0) {
-        disconnect();
-        return false;
-    }
     return true;
 }
 

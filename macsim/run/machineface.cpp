@@ -1,10 +1,12 @@
 #include "macsim/run/machineface.h"
 
+#include <cmath>
+
 #include <QDir>
-#include <QFileInfo>
-#include <QSaveFile>
+#include <QFile>
 
 #include "macsim/run/dmitable.h"
+#include "macsim/run/facefile.h"
 
 namespace macsim {
 
@@ -16,13 +18,7 @@ MachineFace::MachineFace(const MachineDescription& machine, const QString& root)
 
 bool MachineFace::write(const QString& path, const QByteArray& contents) const
 {
-    const QString file = m_root + QLatin1Char('/') + path;
-    if (!QDir().mkpath(QFileInfo(file).path())) {
-        return false;
-    }
-    QSaveFile target(file);
-    return target.open(QIODevice::WriteOnly) && target.write(contents) == contents.size()
-        && target.commit();
+    return writeFaceFile(m_root + QLatin1Char('/') + path, contents);
 }
 
 // As the kernel lists them: a paragraph for each thread.
@@ -76,7 +72,51 @@ bool MachineFace::create() const
     ok = ok && write(QStringLiteral("sys/firmware/dmi/tables/DMI"), table)
         && write(QStringLiteral("sys/firmware/dmi/tables/smbios_entry_point"), dmiEntryPoint(table))
         && write(QStringLiteral("proc/cpuinfo"), processors());
+    for (std::size_t gpu = 0; gpu < m_machine.gpus.size(); ++gpu) {
+        ok = ok && createGpu(gpu);
+    }
     return ok && (!m_machine.portable || setOnBattery(false));
+}
+
+QString MachineFace::pciFolder(std::size_t gpu) const
+{
+    return QStringLiteral("sys/bus/pci/devices/%1/").arg(m_machine.gpus.at(gpu).address);
+}
+
+QString MachineFace::temperatureFile(std::size_t gpu) const
+{
+    return pciFolder(gpu) + QStringLiteral("hwmon/hwmon%1/temp1_input").arg(gpu);
+}
+
+bool MachineFace::createGpu(std::size_t index) const
+{
+    const GpuDescription& gpu = m_machine.gpus.at(index);
+    const QString folder = pciFolder(index);
+    // Each has a graphics card, which leads to its device.
+    const QString card = m_root + QStringLiteral("/sys/class/drm/card%1").arg(index);
+    return write(folder + QStringLiteral("class"), "0x030000\n")
+        && write(folder + QStringLiteral("vendor"), "0x" + gpu.vendor.toLatin1() + '\n')
+        && write(folder + QStringLiteral("device"), "0x" + gpu.device.toLatin1() + '\n')
+        && linkFaceFile(card + QStringLiteral("/device"),
+                        m_root + QStringLiteral("/sys/bus/pci/devices/") + gpu.address)
+        && (!hasTemperatureFile(index) || setGpuTemperature(index, m_machine.ambient));
+}
+
+bool MachineFace::hasTemperatureFile(std::size_t gpu) const
+{
+    return m_machine.gpus.at(gpu).isOf(GpuDescription::amd);
+}
+
+bool MachineFace::setGpuTemperature(std::size_t gpu, std::optional<double> celsius) const
+{
+    const QString file = temperatureFile(gpu);
+    if (!celsius) {
+        const QString path = m_root + QLatin1Char('/') + file;
+        return !QFile::exists(path) || QFile::remove(path);
+    }
+    constexpr double thousandths = 1000.0;
+    const long long value = std::llround(*celsius * thousandths);
+    return write(file, QByteArray::number(value) + '\n');
 }
 
 bool MachineFace::setOnBattery(bool onBattery) const

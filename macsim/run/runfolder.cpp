@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "smcd/protocol/records.h"
+
 namespace macsim {
 
 namespace {
@@ -74,9 +76,11 @@ std::optional<RunFolder> RunFolder::create(const QString& path, QString& error)
     } else {
         folder.m_path = QFileInfo(path).absoluteFilePath();
     }
-    if (QFile::encodeName(folder.socket()).size() > longestSocketPath) {
-        error = QStringLiteral("%1 is too long for a socket's path").arg(folder.socket());
-        return std::nullopt;
+    for (const QString& socket : { folder.socket(), folder.driverSocket() }) {
+        if (QFile::encodeName(socket).size() > longestSocketPath) {
+            error = QStringLiteral("%1 is too long for a socket's path").arg(socket);
+            return std::nullopt;
+        }
     }
     bool ok = QDir().mkpath(folder.m_path);
     for (const Subfolder& subfolder : subfolders) {
@@ -87,6 +91,12 @@ std::optional<RunFolder> RunFolder::create(const QString& path, QString& error)
         return std::nullopt;
     }
     return folder;
+}
+
+QString RunFolder::driverSocket() const
+{
+    constexpr std::string_view path = smcd::protocol::socketPath;
+    return sysroot() + QString::fromLatin1(path.data(), static_cast<int>(path.size()));
 }
 
 QString RunFolder::inside(const QString& name) const { return m_path + QLatin1Char('/') + name; }
@@ -103,6 +113,11 @@ QProcessEnvironment RunFolder::environment(const QProcessEnvironment& own,
     result.insert(QStringLiteral("MACSIM_SOCKET"), socket());
     result.remove(QStringLiteral("MACSIM_TCP")); // of a run around this one
     return result;
+}
+
+void RunFolder::addDriveFace(QProcessEnvironment& environment, const QString& library)
+{
+    prepend(environment, QStringLiteral("LD_PRELOAD"), library, QLatin1Char(':'));
 }
 
 void RunFolder::addWine(QProcessEnvironment& environment, const QString& portFaceFolder,

@@ -31,12 +31,17 @@ public:
     [[nodiscard]] QString path() const { return m_path; }
     [[nodiscard]] QString sysroot() const { return inside(QStringLiteral("sysroot")); }
     [[nodiscard]] QString socket() const { return inside(QStringLiteral("macsim.sock")); }
+    // Of the controller's driver.
+    [[nodiscard]] QString driverSocket() const;
 
     // The surroundings of the command: those of the simulator with the folders
     // above, and portFaceFolder first in the loader's path. What the command needs
     // to reach the display stays valid.
     [[nodiscard]] QProcessEnvironment environment(const QProcessEnvironment& own,
                                                   const QString& portFaceFolder) const;
+
+    // Has the library with the drives' system calls loaded before all others.
+    static void addDriveFace(QProcessEnvironment& environment, const QString& library);
 
     // Adds what a program under Wine needs: the simulator's address for MACSIM_TCP,
     // and the folder of inpout32.dll first in Wine's search path.

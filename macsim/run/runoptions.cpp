@@ -22,6 +22,8 @@ constexpr OptionRow optionTable[] {
     { "report", "FILE", "writes the machine's last state as JSON" },
     { "folder", "DIR", "uses this folder for settings and the machine's files, and keeps it" },
     { "wine", "DIR", "the command runs under Wine; its inpout32.dll is in this folder" },
+    { "smcd", "FILE",
+      "starts this service for the controller in the machine, and again if it ends" },
     { "speed", "N", "simulated seconds per second, for heat and fans (1)" },
     { "seed", "N", "seed of the noise on fan speeds (1)" },
     { "linger", "S",
@@ -65,6 +67,7 @@ std::optional<RunOptions> RunOptions::parse(const QStringList& arguments, QStrin
     options.reportFile = text("report");
     options.folder = text("folder");
     options.wineFolder = text("wine");
+    options.service = text("smcd");
     options.status = parser.isSet(QStringLiteral("status"));
     options.quiet = parser.isSet(QStringLiteral("quiet"));
     bool numbersValid = true;

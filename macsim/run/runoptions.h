@@ -15,6 +15,7 @@ struct RunOptions {
     QString reportFile; // empty for none
     QString folder; // empty for a temporary one
     QString wineFolder; // of inpout32.dll for a command under Wine; empty for others
+    QString service; // the service's program; empty for none
     double speed = 1.0;
     quint32 seed = 1;
     int lingerSeconds = 0;

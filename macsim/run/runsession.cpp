@@ -18,6 +18,7 @@ namespace macsim {
 namespace {
 
 constexpr int statusPeriod = 1000; // milliseconds
+constexpr int facePeriod = 250; // milliseconds between two temperatures in a file
 
 void tell(const QString& text) { std::fprintf(stderr, "macsim: %s\n", qPrintable(text)); }
 
@@ -32,10 +33,26 @@ RunSession::RunSession(const RunOptions& options, MachineDescription description
     , m_mac(std::move(description), m_clock, { load, options.speed, options.seed })
     , m_controller(m_mac, m_clock, m_trace)
     , m_face(m_mac.description(), m_folder.sysroot())
-    , m_verbs(m_mac, m_controller, m_trace,
-              [this](bool onBattery) { return m_face.setOnBattery(onBattery); })
-    , m_server(m_controller, m_verbs)
+    , m_driveFace(m_mac, m_folder.sysroot())
+    , m_driveServer(m_mac, m_trace)
+    , m_driver(m_mac, m_controller, m_trace)
+    , m_driverSocket(m_driver, m_mac)
+    , m_verbs(
+          m_mac, m_controller, m_trace,
+          [this](bool onBattery) { return m_face.setOnBattery(onBattery); },
+          [this](const QString& drive, bool isPlugged) {
+              return m_driveFace.setPlugged(drive, isPlugged);
+          })
+    , m_server(m_controller, m_driveServer, m_verbs, m_mac)
+    , m_service(m_trace, m_folder.driverSocket())
 {
+    connect(&m_service, &ServiceProcess::ready, this, &RunSession::startCommand);
+    connect(&m_service, &ServiceProcess::stopped, this, [] { QCoreApplication::exit(); });
+    connect(&m_service, &ServiceProcess::failed, this, [this](const QString& reason) {
+        tell(reason);
+        m_exitCode = ownFailure;
+        QCoreApplication::exit();
+    });
     connect(&m_signals, &TerminationSignals::received, this, &RunSession::forwardSignal);
     connect(&m_command, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
             &RunSession::commandFinished);
@@ -43,10 +60,11 @@ RunSession::RunSession(const RunOptions& options, MachineDescription description
         if (error == QProcess::FailedToStart) {
             tell(QStringLiteral("%1: %2").arg(m_options.command.first(), m_command.errorString()));
             m_exitCode = notFound;
-            QCoreApplication::exit();
+            leave();
         }
     });
     connect(&m_statusTimer, &QTimer::timeout, this, &RunSession::showStatus);
+    connect(&m_faceTimer, &QTimer::timeout, this, &RunSession::refreshFaces);
 }
 
 void RunSession::traceLine(const QByteArray& line)
@@ -64,12 +82,17 @@ bool RunSession::prepare()
         tell(QStringLiteral("%1: %2").arg(m_options.traceFile, m_traceFile.errorString()));
         return false;
     }
-    if (!m_face.create()) {
+    if (!m_face.create() || !m_driveFace.create()) {
         tell(QStringLiteral("The machine's files can't be written in %1").arg(m_folder.sysroot()));
         return false;
     }
     QString error;
     if (!m_server.listen(m_folder.socket(), error)) {
+        tell(error);
+        return false;
+    }
+    const bool isDriverServed = m_mac.description().hasDriver && m_options.service.isEmpty();
+    if (isDriverServed && !m_driverSocket.listen(m_folder.driverSocket(), error)) {
         tell(error);
         return false;
     }
@@ -104,7 +127,11 @@ int RunSession::run()
     if (!m_options.quiet && (m_options.status || terminalWidth() > 0)) {
         m_statusTimer.start(statusPeriod);
     }
-    QTimer::singleShot(0, this, &RunSession::startCommand);
+    refreshFaces();
+    m_faceTimer.start(facePeriod);
+    QTimer::singleShot(0, this,
+                       m_options.service.isEmpty() ? &RunSession::startCommand
+                                                   : &RunSession::startService);
     QCoreApplication::exec();
     if (m_statusTimer.isActive() && terminalWidth() > 0) {
         std::fputc('\n', stderr);
@@ -114,19 +141,50 @@ int RunSession::run()
     return m_exitCode;
 }
 
+QProcessEnvironment RunSession::environment() const
+{
+    const QString own = QCoreApplication::applicationDirPath();
+    QProcessEnvironment environment = m_folder.environment(QProcessEnvironment::systemEnvironment(),
+                                                           own + QStringLiteral("/portface"));
+    if (m_tcpAddress.isEmpty()) {
+        RunFolder::addDriveFace(environment,
+                                own + QStringLiteral("/driveface/libmacsim-driveface.so"));
+    } else {
+        RunFolder::addWine(environment, m_options.wineFolder, m_tcpAddress);
+    }
+    return environment;
+}
+
+void RunSession::startService()
+{
+    m_service.start(m_options.service,
+                    { QStringLiteral("--foreground"), QStringLiteral("--group"),
+                      QFileInfo(m_folder.path()).group() },
+                    environment());
+}
+
 void RunSession::startCommand()
 {
     if (!m_forwarded.isEmpty()) {
         return; // asked to end before there was a command
     }
-    QProcessEnvironment environment = m_folder.environment(QProcessEnvironment::systemEnvironment(),
-                                                           QCoreApplication::applicationDirPath()
-                                                               + QStringLiteral("/portface"));
-    if (!m_tcpAddress.isEmpty()) {
-        RunFolder::addWine(environment, m_options.wineFolder, m_tcpAddress);
-    }
-    m_command.setProcessEnvironment(environment);
+    m_command.setProcessEnvironment(environment());
     m_command.start(m_options.command.first(), m_options.command.mid(1));
+}
+
+void RunSession::refreshFaces()
+{
+    m_mac.advance();
+    bool ok = m_driveFace.refresh();
+    for (std::size_t gpu = 0; gpu < m_mac.description().gpus.size(); ++gpu) {
+        ok = ok
+            && (!m_face.hasTemperatureFile(gpu)
+                || m_face.setGpuTemperature(gpu, m_mac.gpuTemperature(gpu)));
+    }
+    if (!ok) {
+        tell(QStringLiteral("The files of drives and GPUs can't be written"));
+        m_faceTimer.stop();
+    }
 }
 
 void RunSession::forwardSignal(int number, bool sentToGroup)
@@ -144,19 +202,35 @@ void RunSession::forwardSignal(int number, bool sentToGroup)
 void RunSession::commandFinished(int exitCode, QProcess::ExitStatus status)
 {
     m_exitCode = status == QProcess::CrashExit ? signalBase + exitCode : exitCode;
-    if (m_options.lingerSeconds > 0 && m_server.portFaces() > 0) {
+    if (m_options.lingerSeconds > 0 && hasPortUsers()) {
         m_trace.event(QStringLiteral("linger"));
-        QTimer::singleShot(m_options.lingerSeconds * 1000, this, [] { QCoreApplication::exit(); });
+        QTimer::singleShot(m_options.lingerSeconds * 1000, this, &RunSession::leave);
         connect(&m_server, &SimulatorServer::portFaceLeft, this, &RunSession::leaveSoon);
         return;
     }
-    QCoreApplication::exit();
+    leave();
+}
+
+bool RunSession::hasPortUsers() const
+{
+    // The service is one for as long as it runs.
+    return m_server.portFaces() > (m_service.isRunning() ? 1 : 0);
 }
 
 void RunSession::leaveSoon()
 {
-    if (m_server.portFaces() == 0) {
+    if (!hasPortUsers()) {
+        leave();
+    }
+}
+
+// The service sees its clients leave before it is asked to end.
+void RunSession::leave()
+{
+    if (m_options.service.isEmpty()) {
         QCoreApplication::exit();
+    } else {
+        m_service.stop();
     }
 }
 

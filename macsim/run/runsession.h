@@ -4,12 +4,17 @@
 #include <QSet>
 #include <QTimer>
 
+#include "macsim/model/controllerdriver.h"
 #include "macsim/model/controlverbs.h"
 #include "macsim/model/portcontroller.h"
 #include "macsim/run/commandprocess.h"
+#include "macsim/run/driveface.h"
+#include "macsim/run/driversocket.h"
+#include "macsim/run/driveserver.h"
 #include "macsim/run/machineface.h"
 #include "macsim/run/runfolder.h"
 #include "macsim/run/runoptions.h"
+#include "macsim/run/serviceprocess.h"
 #include "macsim/run/simulatorserver.h"
 #include "macsim/run/terminationsignals.h"
 
@@ -45,20 +50,31 @@ private:
     SimulatedMac m_mac;
     PortController m_controller;
     MachineFace m_face;
+    DriveFace m_driveFace;
+    DriveServer m_driveServer;
+    ControllerDriver m_driver;
+    DriverSocket m_driverSocket;
     ControlVerbs m_verbs;
     SimulatorServer m_server;
     TerminationSignals m_signals;
     CommandProcess m_command;
+    ServiceProcess m_service;
     QTimer m_statusTimer;
+    QTimer m_faceTimer;
     QSet<int> m_forwarded;
     int m_exitCode = 0;
 
     [[nodiscard]] bool prepare();
     [[nodiscard]] bool prepareForWine();
     void traceLine(const QByteArray& line);
+    [[nodiscard]] QProcessEnvironment environment() const;
+    void startService();
     void startCommand();
+    void leave();
+    void refreshFaces();
     void forwardSignal(int number, bool sentToGroup);
     void commandFinished(int exitCode, QProcess::ExitStatus status);
+    [[nodiscard]] bool hasPortUsers() const;
     void leaveSoon();
     void showStatus();
     void writeReport();

@@ -31,10 +31,13 @@ QByteArray randomToken()
 
 } // namespace
 
-SimulatorServer::SimulatorServer(PortController& controller, ControlVerbs& verbs, QObject* parent)
+SimulatorServer::SimulatorServer(PortController& controller, DriveServer& drives,
+                                 ControlVerbs& verbs, SimulatedMac& mac, QObject* parent)
     : QObject(parent)
     , m_controller(controller)
+    , m_drives(drives)
     , m_verbs(verbs)
+    , m_gpus(mac)
 {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, &SimulatorServer::acceptConnections);
@@ -95,8 +98,13 @@ template <typename Socket> void SimulatorServer::serve(Socket& socket)
 void SimulatorServer::readFrom(QLocalSocket& socket)
 {
     char first = 0;
-    if (!isPortFace(socket) && socket.peek(&first, 1) == 1
-        && static_cast<quint8>(first) <= portrecord::in) {
+    const bool isNew = !isPortFace(socket) && socket.peek(&first, 1) == 1;
+    if (isNew && DriveServer::takes(first)) {
+        m_drives.serve(socket);
+        socket.flush();
+        return;
+    }
+    if (isNew && static_cast<quint8>(first) <= portrecord::lastOperation) {
         notePortFace(socket);
     }
     if (isPortFace(socket)) {
@@ -156,7 +164,7 @@ quint8 SimulatorServer::answer(const QByteArray& record)
     case portrecord::in:
         return m_controller.read(port);
     default:
-        return 0;
+        return m_gpus.answer(byte(0), port, byte(3));
     }
 }
 

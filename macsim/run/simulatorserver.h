@@ -8,6 +8,8 @@
 
 #include "macsim/model/controlverbs.h"
 #include "macsim/model/portcontroller.h"
+#include "macsim/run/driveserver.h"
+#include "macsim/run/gpurecords.h"
 
 class QIODevice;
 class QLocalSocket;
@@ -15,9 +17,10 @@ class QTcpSocket;
 
 namespace macsim {
 
-// The simulator's door: a local socket on which port faces exchange their records
-// and control clients send one request each, a line with a JSON array of words.
-// The reply is a line "ok" or "error" and the text after it, until the end.
+// The simulator's door: a local socket on which port faces exchange their records,
+// drive faces one record each, and control clients send one request each, a line
+// with a JSON array of words. The reply is a line "ok" or "error" and the text after
+// it, until the end.
 //
 // Port faces under Wine can't use that socket. For them there is a second door, on
 // the loopback interface and on request only, where nothing but records is served.
@@ -25,8 +28,9 @@ class SimulatorServer : public QObject {
     Q_OBJECT
 
 public:
-    // Controller and verbs must outlive the server.
-    SimulatorServer(PortController& controller, ControlVerbs& verbs, QObject* parent = nullptr);
+    // All of them must outlive the server.
+    SimulatorServer(PortController& controller, DriveServer& drives, ControlVerbs& verbs,
+                    SimulatedMac& mac, QObject* parent = nullptr);
 
     // Only the user may connect. A stale socket of the same path is replaced.
     [[nodiscard]] bool listen(const QString& path, QString& error);
@@ -41,7 +45,9 @@ Q_SIGNALS:
 
 private:
     PortController& m_controller;
+    DriveServer& m_drives;
     ControlVerbs& m_verbs;
+    GpuRecords m_gpus;
     QLocalServer m_server;
     QTcpServer m_loopbackServer;
     QByteArray m_token; // of the second door

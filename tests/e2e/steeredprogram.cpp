@@ -93,6 +93,10 @@ public:
             m_engine.slotWakeUp();
             return QStringLiteral("ok");
         }
+        if (verb == QLatin1String("reload")) {
+            m_engine.slotSensorsReload();
+            return QStringLiteral("ok");
+        }
         if (verb == QLatin1String("where")) {
             return where(words.value(1), words.mid(2));
         }

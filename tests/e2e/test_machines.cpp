@@ -48,12 +48,14 @@ void TestMachines::a_machine_comes_up_with_its_fans_and_sensors_data()
                   << QString::fromLatin1(machine) << list(fans) << list(sensors) << list(missing);
           };
     row("MacBookPro11,3", "Left side;Right side",
-        "TC0P CPU Proximity;TC1C CPU Core 1;TH0A Apple SSD;TG0D GPU Diode;Ts0P Palm Rest", "TC0E");
+        "TC0P CPU Proximity;TC1C CPU Core 1;TG0D GPU NVIDIA GeForce GT 750M;Ts0P Palm Rest",
+        "TC0E;TH0A");
     // Of two spellings the one with the small last letter stays.
     row("Macmini6,2", "Exhaust",
         "TC0c CPU Core 1;TC0p CPU Proximity;TA0p Ambient;TI0p Thunderbolt Proximity",
         "TC0P;TA0P;TH0A");
-    row("iMac14,2", "Main", "TL0p LCD Proximity;TM0p DIMM Module 1 Proximity;TG0D GPU Diode",
+    row("iMac14,2", "Main",
+        "TL0p LCD Proximity;TM0p DIMM Module 1 Proximity;TG0D GPU NVIDIA GeForce GTX 775M",
         "TL0P;TG0d");
 }
 

@@ -163,6 +163,18 @@ bool givesBackLast(const TraceLog& log)
     return last >= 0 && wroteMask(0)(log[static_cast<std::size_t>(last)]);
 }
 
+qint64 serviceProcess(const TraceLog& log)
+{
+    qint64 number = -1;
+    for (const TraceLine& line : log) {
+        const QStringList words = line.text.split(QLatin1Char(' '));
+        if (words.first() == QLatin1String("service")) {
+            number = words.at(1) == QLatin1String("start") ? words.at(2).toLongLong() : -1;
+        }
+    }
+    return number;
+}
+
 QStringList controlFaults(const TraceLog& log)
 {
     QStringList faults;

@@ -58,6 +58,10 @@ namespace trace {
 // Whether the last write of all clears the control bits.
 [[nodiscard]] bool givesBackLast(const TraceLog& log);
 
+// The number of the process of the service that runs in the machine, or -1 while
+// there is none.
+[[nodiscard]] qint64 serviceProcess(const TraceLog& log);
+
 // What is wrong with the order of control bits and speeds on a machine with a
 // control mask: a speed for a fan that isn't forced, a speed without a recent
 // assertion of the bits before it, bits asserted again within 3 seconds. Empty

@@ -62,7 +62,8 @@ struct OpenServer {
     }
 
     MacBench bench;
-    SimulatorServer server { bench.controller, bench.verbs };
+    DriveServer drives { bench.mac, bench.trace };
+    SimulatorServer server { bench.controller, drives, bench.verbs, bench.mac };
     TcpAddress address;
 };
 

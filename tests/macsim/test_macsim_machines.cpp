@@ -119,10 +119,12 @@ private Q_SLOTS:
         row("MacBookPro8,1", 1, "fpe2", true);
         row("MacBookPro16,1", 2, "flt ", false);
         row("Macmini6,2", 1, "fpe2", true);
+        row("Macmini8,1", 1, "flt ", false);
         row("iMac12,2", 3, "fpe2", true);
         row("iMac14,2", 1, "fpe2", true);
         row("iMacPro1,1", 2, "flt ", false);
         row("MacPro5,1", 6, "fpe2", true);
+        row("MacPro7,1", 4, "flt ", false);
         row("Xserve3,1", 8, "fpe2", true);
     }
     void fansHaveTheirKeys()
@@ -146,6 +148,14 @@ private Q_SLOTS:
             QCOMPARE(find(machine, fanKey(fan, "ID")) != nullptr, mask);
         }
         QVERIFY(find(machine, fanKey(fans, "Ac")) == nullptr);
+    }
+
+    void machinesWithModeKeysHaveTheDriver_data() { addRows(true); }
+    void machinesWithModeKeysHaveTheDriver()
+    {
+        QFETCH(QString, name);
+        const MachineDescription machine = described(name);
+        QCOMPARE(machine.hasDriver, find(machine, "F0Md") != nullptr);
     }
 
     void aPassiveMachineHasNoFans()
@@ -188,6 +198,27 @@ private Q_SLOTS:
         row("foreign neighbour",
             "'heat':[{'name':'cpu','capacity':1,'loss':1,'near':'gpu','share':0.5}]}",
             "no such neighbour");
+        row("GPU without numbers",
+            "'heat':[{'name':'cpu','capacity':1,'loss':1}],"
+            "'gpus':[{'name':'Radeon','address':'0000:01:00.0','vendor':'AMD','device':'6720',"
+            "'heat':'cpu'}]}",
+            "is not described");
+        row("GPU off the bus",
+            "'heat':[{'name':'cpu','capacity':1,'loss':1}],"
+            "'gpus':[{'name':'Radeon','address':'../../x','vendor':'1002','device':'6720',"
+            "'heat':'cpu'}]}",
+            "is not described");
+        row("GPU without heat",
+            "'gpus':[{'name':'Radeon','address':'0000:01:00.0','vendor':'1002',"
+            "'device':'6720','heat':'gpu'}]}",
+            "is no heat source");
+        row("two GPUs in one place",
+            "'heat':[{'name':'cpu','capacity':1,'loss':1}],"
+            "'gpus':[{'name':'Radeon','address':'0000:01:00.0','vendor':'1002',"
+            "'device':'6720','heat':'cpu'},"
+            "{'name':'GeForce','address':'0000:01:00.0','vendor':'10de','device':'0fe9',"
+            "'heat':'cpu'}]}",
+            "another one's place");
         row("fans without controller", "'fans':[{'name':'Main'}]}", "without a controller");
     }
     void aBrokenFileIsAnError()

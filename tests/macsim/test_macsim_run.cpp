@@ -138,6 +138,8 @@ private Q_SLOTS:
         row("run --machine PowerMac1,1 -- true", 125);
         row("run --machine MacBookPro11,3 --trace /proc/nowhere -- true", 125);
         row("run --machine MacBookPro11,3 --folder /proc/nowhere -- true", 125);
+        row("run --machine MacBookPro11,3 --smcd /nowhere/at/all -- true", 125);
+        row("run --machine MacBookPro11,3 --smcd /bin/true -- true", 125);
         row("ctl", 2);
         row("ctl --socket /nowhere/macsim.sock state", 1);
     }

@@ -2,6 +2,7 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -54,6 +55,14 @@ QStringList WinePrefix::variables() const
              QStringLiteral("WINEDEBUG=-all"),
              // No entries in the desktop's menus, no offers to install add-ons.
              QStringLiteral("WINEDLLOVERRIDES=winemenubuilder.exe=d;mscoree=d;mshtml=d") };
+}
+
+void WinePrefix::installLibrary(const QString& file) const
+{
+    const QString folder = path() + QStringLiteral("/drive_c/windows/system32/");
+    if (!QFile::copy(file, folder + QFileInfo(file).fileName())) {
+        qFatal("%s can't be installed in the Wine prefix", qPrintable(file));
+    }
 }
 
 QString WinePrefix::usersFile(const QString& name) const

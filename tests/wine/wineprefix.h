@@ -21,6 +21,9 @@ public:
     [[nodiscard]] QString path() const { return m_folder->path(); }
     // "NAME=value": what programs of Wine need to run in it.
     [[nodiscard]] QStringList variables() const;
+    // Puts a copy of a library where Windows keeps its own. Ends the test program
+    // when it can't be done.
+    void installLibrary(const QString& file) const;
     // The only file of this name under the users' folders, or an empty text.
     [[nodiscard]] QString usersFile(const QString& name) const;
 

@@ -11,6 +11,7 @@ const QString wine = QStringLiteral("wine");
 const QString wineServer = QStringLiteral("wineserver");
 const QString program = QStringLiteral(WINDOWS_FOLDER "/Brisora.exe");
 const QString portDriver = QStringLiteral(PORT_DRIVER_FOLDER "/inpout32.dll");
+const QString gpuDriver = QStringLiteral(PORT_DRIVER_FOLDER "/nvapi.dll");
 const QString endSessionProgram = QStringLiteral(END_SESSION_PROGRAM);
 
 const QString settingsKey = QStringLiteral("HKEY_CURRENT_USER\\Software\\Orvane Software\\Brisora");
@@ -66,7 +67,7 @@ QString registryText(const QVariant& value)
 
 QString WineRun::missing()
 {
-    for (const QString& file : { program, portDriver, endSessionProgram }) {
+    for (const QString& file : { program, portDriver, gpuDriver, endSessionProgram }) {
         if (!QFile::exists(file)) {
             return QStringLiteral("There is no %1; tools/build.sh windows builds it").arg(file);
         }
@@ -86,6 +87,7 @@ WineRun::WineRun(const VirtualDisplay& display)
 {
     setOptions({ QStringLiteral("--wine"), QFileInfo(portDriver).path() });
     setVariable(QStringLiteral("DISPLAY"), display.name());
+    m_prefix.installLibrary(gpuDriver);
     const QStringList variables = m_prefix.variables();
     for (const QString& variable : variables) {
         setVariable(variable.section(QLatin1Char('='), 0, 0),
